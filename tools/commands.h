@@ -1,0 +1,11 @@
+// Sub-commands of the nvdl command-line tool. Each lives in its own source file.
+#pragma once
+
+namespace nvdl::tool {
+
+// Each command gets the arguments after its own name and returns the process exit status.
+using Command = int (*)(int argc, char** argv);
+
+int demo(int argc, char** argv);
+
+}  // namespace nvdl::tool

@@ -1,0 +1,32 @@
+// nvdl: command-line entry of the object server's tools.
+#include <cstdio>
+#include <cstring>
+
+#include "commands.h"
+
+namespace {
+
+struct Entry {
+    const char* name;
+    nvdl::tool::Command run;
+    const char* usage;
+};
+
+const Entry kCommands[] = {
+    {"demo", nvdl::tool::demo, "demo            create objects by ProgID and drive them late-bound"},
+};
+
+int usage() {
+    std::fprintf(stderr, "usage: nvdl COMMAND [ARGS...]\n");
+    for (const Entry& e : kCommands) std::fprintf(stderr, "  nvdl %s\n", e.usage);
+    return 2;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) return usage();
+    for (const Entry& e : kCommands)
+        if (std::strcmp(argv[1], e.name) == 0) return e.run(argc - 2, argv + 2);
+    return usage();
+}
