@@ -23,7 +23,8 @@ void daClearOutput(daVector* out)
     out->length = 0;
 }
 
-long daAllocOutput(const char* function, daVector* out, long count, bool withImag, int line)
+long daAllocOutput(const char* function, daVector* out, long count, bool withImag, int line,
+                   daSecondAllocFailure onSecondFailure)
 {
     out->real = daAllocFloats(count);
     if (out->real == nullptr)
@@ -32,8 +33,10 @@ long daAllocOutput(const char* function, daVector* out, long count, bool withIma
     if (withImag) {
         out->imag = daAllocFloats(count);
         if (out->imag == nullptr) {
-            std::free(out->real);
-            out->real = nullptr;
+            if (onSecondFailure == daSecondAllocFailure::FreeFirst) {
+                std::free(out->real);
+                out->real = nullptr;
+            }
             return daFail("%s : Memory allocation (%ld bytes) failed {%s,%d}", function, daFloatBytes(count),
                           kDaUnit, line);
         }

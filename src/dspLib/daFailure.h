@@ -21,7 +21,13 @@ inline long daFloatBytes(long count) { return count * static_cast<long>(sizeof(f
 // Frees the output's arrays and leaves it empty (null arrays, length 0).
 void daClearOutput(daVector* out);
 
+// What an output keeps when its second array cannot be allocated. The rule is to free the first
+// array again; the scalar forms of daAdd, daMultiply and daDivide keep it in the record instead,
+// where the record's next use as an output frees it.
+enum class daSecondAllocFailure { FreeFirst, KeepFirst };
+
 // Allocates out->real (and out->imag when withImag) for `count` floats and sets out->length.
-// On failure of the second array the first is freed again, out stays empty, and the failure is
-// reported for `function`; the return value is then 1.
-long daAllocOutput(const char* function, daVector* out, long count, bool withImag, int line);
+// On failure the output keeps length 0, the failure is reported for `function` at `line`, and the
+// return value is 1.
+long daAllocOutput(const char* function, daVector* out, long count, bool withImag, int line,
+                   daSecondAllocFailure onSecondFailure = daSecondAllocFailure::FreeFirst);

@@ -1,0 +1,30 @@
+// Real discrete Fourier transform in the packed half-complex layout the kernel works in.
+//
+// Forward, for n real samples p, the result q holds X(k) = sum p(t)·exp(-2πi·k·t/n), unnormalised:
+//   q[0] = X(0); q[2k-1] = Re X(k), q[2k] = Im X(k) for 1 <= k < n/2 (every k with 2k < n);
+//   q[n-1] = Re X(n/2) when n is even.
+// Backward takes the same layout and gives
+//   p(t) = q[0] + 2·sum(q[2k-1]·cos(2πkt/n) - q[2k]·sin(2πkt/n)) + (-1)^t·q[n-1] (last term for even n),
+// also unnormalised, so forward followed by backward multiplies by n.
+//
+// Every length n >= 1 is accepted. Transform plans are built with FFTW's estimating planner (a few
+// milliseconds even for millions of samples, where measuring planners take many seconds) and kept
+// in a small process-wide cache by length, so repeated and alternating block sizes reuse them.
+// The cache is unsynchronised, like the rest of the kernel: one caller at a time.
+#pragma once
+
+// Set-up for transforms of one length: a plain record, released with free().
+struct ImslFftRealSetup {
+    long n;
+};
+
+enum class ImslFftDirection { Forward, Backward };
+
+// Prepares transforms of length n (builds and caches the plan). Null if n < 1 or on allocation failure.
+ImslFftRealSetup* imsl_f_fft_real_init(long n);
+
+// Transforms the n floats of p (left unchanged) and returns a new array of n floats, to be released
+// with free(), or null when n < 1, a setup of another length is given, or memory runs out. A setup is
+// only an optimisation: the numbers are the same with or without it.
+float* imsl_f_fft_real(long n, const float* p, ImslFftDirection direction = ImslFftDirection::Forward,
+                       const ImslFftRealSetup* setup = nullptr);

@@ -1,0 +1,135 @@
+// Copy, addition, linear combination and multiplication of kernel vectors.
+#include "dspLib/daChecks.h"
+#include "nvdl/daArithmetic.h"
+
+long daCopy(daVector a, daVector* out)
+{
+    if (daCheckOne("daCopy", a, out, __LINE__))
+        return 1;
+    daClearOutput(out);
+    if (daAllocOutput("daCopy", out, a.length, a.imag != nullptr, __LINE__))
+        return 1;
+    for (long i = 0; i < a.length; ++i)
+        out->real[i] = a.real[i];
+    if (a.imag != nullptr)
+        for (long i = 0; i < a.length; ++i)
+            out->imag[i] = a.imag[i];
+    return 0;
+}
+
+long daAdd(float s, daVector a, daVector* out)
+{
+    if (daCheckOne("daAdd", a, out, __LINE__))
+        return 1;
+    daClearOutput(out);
+    if (daAllocOutput("daAdd", out, a.length, a.imag != nullptr, __LINE__, daSecondAllocFailure::KeepFirst))
+        return 1;
+    for (long i = 0; i < a.length; ++i)
+        out->real[i] = static_cast<float>(static_cast<double>(s) + a.real[i]);
+    if (a.imag != nullptr)
+        for (long i = 0; i < a.length; ++i)
+            out->imag[i] = a.imag[i];
+    return 0;
+}
+
+long daAdd(daComplex c, daVector a, daVector* out)
+{
+    if (daCheckOne("daAdd", a, out, __LINE__))
+        return 1;
+    daClearOutput(out);
+    if (daAllocOutput("daAdd", out, a.length, true, __LINE__))
+        return 1;
+    for (long i = 0; i < a.length; ++i) {
+        out->real[i] = static_cast<float>(static_cast<double>(c.real) + a.real[i]);
+        out->imag[i] = static_cast<float>(c.imag + daImagAt(a, i));
+    }
+    return 0;
+}
+
+long daAdd(daVector a, daVector b, daVector* out)
+{
+    if (daCheckTwo("daAdd", a, b, out, __LINE__))
+        return 1;
+    daClearOutput(out);
+    bool complex = a.imag != nullptr || b.imag != nullptr;
+    if (daAllocOutput("daAdd", out, a.length, complex, __LINE__))
+        return 1;
+    for (long i = 0; i < a.length; ++i)
+        out->real[i] = static_cast<float>(static_cast<double>(a.real[i]) + b.real[i]);
+    if (complex)
+        for (long i = 0; i < a.length; ++i)
+            out->imag[i] = static_cast<float>(daImagAt(a, i) + daImagAt(b, i));
+    return 0;
+}
+
+long daLinearCombination(daVector a, daVector b, daVector* out, float x, float y)
+{
+    if (daCheckTwo("daLinearCombination", a, b, out, __LINE__))
+        return 1;
+    daClearOutput(out);
+    bool complex = a.imag != nullptr || b.imag != nullptr;
+    if (daAllocOutput("daLinearCombination", out, a.length, complex, __LINE__))
+        return 1;
+    const double wa = x;
+    const double wb = y;
+    for (long i = 0; i < a.length; ++i)
+        out->real[i] = static_cast<float>(wa * a.real[i] + wb * b.real[i]);
+    if (complex)
+        for (long i = 0; i < a.length; ++i)
+            out->imag[i] = static_cast<float>(wa * daImagAt(a, i) + wb * daImagAt(b, i));
+    return 0;
+}
+
+long daMultiply(float s, daVector a, daVector* out)
+{
+    if (daCheckOne("daMultiply", a, out, __LINE__))
+        return 1;
+    daClearOutput(out);
+    if (daAllocOutput("daMultiply", out, a.length, a.imag != nullptr, __LINE__, daSecondAllocFailure::KeepFirst))
+        return 1;
+    const double factor = s;
+    for (long i = 0; i < a.length; ++i)
+        out->real[i] = static_cast<float>(factor * a.real[i]);
+    if (a.imag != nullptr)
+        for (long i = 0; i < a.length; ++i)
+            out->imag[i] = static_cast<float>(factor * a.imag[i]);
+    return 0;
+}
+
+long daMultiply(daComplex c, daVector a, daVector* out)
+{
+    if (daCheckOne("daMultiply", a, out, __LINE__))
+        return 1;
+    daClearOutput(out);
+    if (daAllocOutput("daMultiply", out, a.length, true, __LINE__))
+        return 1;
+    const double cr = c.real;
+    const double ci = c.imag;
+    for (long i = 0; i < a.length; ++i) {
+        double re = a.real[i];
+        double im = daImagAt(a, i);
+        out->real[i] = static_cast<float>(cr * re - ci * im);
+        out->imag[i] = static_cast<float>(cr * im + ci * re);
+    }
+    return 0;
+}
+
+long daMultiply(daVector a, daVector b, daVector* out)
+{
+    if (daCheckTwo("daMultiply", a, b, out, __LINE__))
+        return 1;
+    daClearOutput(out);
+    bool complex = a.imag != nullptr || b.imag != nullptr;
+    if (daAllocOutput("daMultiply", out, a.length, complex, __LINE__))
+        return 1;
+    for (long i = 0; i < a.length; ++i) {
+        double ar = a.real[i];
+        double ai = daImagAt(a, i);
+        double br = b.real[i];
+        double bi = daImagAt(b, i);
+        out->real[i] = static_cast<float>(ar * br - ai * bi);
+        if (complex)
+            out->imag[i] = static_cast<float>(ai * br + bi * ar);
+    }
+    return 0;
+}
