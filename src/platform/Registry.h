@@ -1,0 +1,38 @@
+// The settings store: hives, keys and string values in the shape of the platform's registry.
+// It lives in a text file in the shape of a registry export ("[HKEY_CURRENT_USER\Key]",
+// "\"Name\"=\"value\"", "@=\"value\"") found at $NVDL_REGISTRY, else
+// $XDG_CONFIG_HOME/nvdl/registry.txt, else $HOME/.config/nvdl/registry.txt; a missing file is an
+// empty store. Every read sees the file as it is now. Built-in defaults of the system's own keys
+// lie under the file: a value in the file wins. Keys and value names compare ignoring case; key
+// paths use backslashes. Values are 8-bit text in the system code page. Safe to call from several
+// threads.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace nvdl::registry {
+
+enum class Hive { ClassesRoot, CurrentUser, LocalMachine };
+
+// The key of the system's settings under the current user.
+inline constexpr const char* kSettingsKey = "Software\\norvane instruments\\Sonvara\\CurrentVersion\\Settings";
+
+// The string value `valueName` of `key` ("" names the key's default value), or nothing.
+std::optional<std::string> readString(Hive hive, std::string_view key, std::string_view valueName);
+bool keyExists(Hive hive, std::string_view key);
+// The names of the direct subkeys, sorted ignoring case.
+std::vector<std::string> subKeys(Hive hive, std::string_view key);
+// The names of the key's values in the order the file gives them, then those only the defaults
+// have; "" stands for the default value.
+std::vector<std::string> valueNames(Hive hive, std::string_view key);
+
+// A value under kSettingsKey of the current user.
+std::optional<std::string> readSetting(std::string_view valueName);
+
+// The path of the file the store reads now; empty when no path can be made (no HOME either).
+std::string storePath();
+
+}  // namespace nvdl::registry
