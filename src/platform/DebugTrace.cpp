@@ -22,9 +22,10 @@ struct TraceSink {
     bool ownsFd = false;
 };
 
+// Never destroyed, so that traces from other static destructors still find it.
 TraceSink& sink() {
-    static TraceSink instance;
-    return instance;
+    static TraceSink* instance = new TraceSink;
+    return *instance;
 }
 
 void closeSink(TraceSink& s) {

@@ -58,12 +58,12 @@ FileStamp stampOf(const std::string& path) {
 std::string readFileBytes(const std::string& path, const FileStamp& stamp) {
     if (!stamp.exists) return {};
     if (static_cast<std::uintmax_t>(stamp.size) > kMaxFileBytes) {
-        DebugTraceF("registry file - %s is larger than %ju bytes, not read", path.c_str(), kMaxFileBytes);
+        DebugTraceF("registry::readFileBytes - %s is larger than %ju bytes, not read", path.c_str(), kMaxFileBytes);
         return {};
     }
     std::ifstream in(path, std::ios::binary);
     if (!in) {
-        DebugTraceF("registry file - %s cannot be opened", path.c_str());
+        DebugTraceF("registry::readFileBytes - %s cannot be opened", path.c_str());
         return {};
     }
     std::string bytes;
@@ -138,9 +138,10 @@ private:
     RegistryTree tree_;
 };
 
+// Never destroyed, so that reads from other static destructors still work.
 StoreCache& cache() {
-    static StoreCache instance;
-    return instance;
+    static StoreCache* instance = new StoreCache;
+    return *instance;
 }
 
 bool isRoot(std::string_view key) { return normalizeKeyPath(key).empty(); }

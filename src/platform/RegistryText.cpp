@@ -81,7 +81,7 @@ public:
 
 private:
     void skip(const char* reason) {
-        DebugTraceF("registry file - line %zu skipped: %s", number_, reason);
+        DebugTraceF("registry::parseRegistryText - line %zu skipped: %s", number_, reason);
     }
 
     void sectionLine(std::string_view text) {
