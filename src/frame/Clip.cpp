@@ -1,0 +1,16 @@
+#include "frame/Clip.h"
+
+#include "platform/Bstr.h"
+#include "platform/HResult.h"
+
+namespace nvdl {
+
+HRESULT clip(BSTR format, std::span<const MessageArg> fields, BSTR* text) {
+    if (!text) return E_POINTER;
+    std::optional<std::string> rendered = formatMessage(bstrToAnsi(format), fields, 512);
+    if (!rendered || rendered->empty()) return E_OUTOFMEMORY;
+    *text = allocBstrFromAnsi(*rendered);
+    return S_OK;
+}
+
+}  // namespace nvdl

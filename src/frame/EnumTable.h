@@ -1,0 +1,35 @@
+// A class's table of enumeration values and their texts, sorted by value: the text of a value by
+// binary search, the value of a text by a linear scan (exact comparison, first row wins).
+#pragma once
+
+#include <span>
+#include <string_view>
+
+#include "platform/Bstr.h"
+#include "platform/HResult.h"
+
+namespace nvdl {
+
+struct EnumPair {
+    LONG value;
+    std::u16string_view text;
+};
+
+class EnumTable {
+public:
+    constexpr explicit EnumTable(std::span<const EnumPair> rows) : m_rows(rows) {}
+
+    // The text of a value, or nothing.
+    const std::u16string_view* lookupString(LONG value) const;
+    // The value of a text compared exactly (case counts), or -1.
+    LONG lookupEnum(std::u16string_view text) const;
+    // The text of a value; an unknown value gives S_OK and an empty text.
+    HRESULT translate(LONG value, BSTR* text) const;
+    bool isSorted() const;
+    std::span<const EnumPair> rows() const { return m_rows; }
+
+private:
+    std::span<const EnumPair> m_rows;
+};
+
+}  // namespace nvdl

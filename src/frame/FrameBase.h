@@ -1,0 +1,48 @@
+// What every model object carries besides its interface: a life token that back references
+// observe, so that a child can tell a live parent from a dead one.
+#pragma once
+
+#include <memory>
+
+#include "platform/Dispatch.h"
+
+namespace nvdl {
+
+// Internal identity: QueryInterface with it answers the object's CFrameBase, without a reference.
+inline constexpr IID IID_IFrameObject{0x5a0f3c1e, 0x2b7d, 0x4e86, {0x91, 0x3a, 0x6c, 0x0e, 0x58, 0xd2, 0x17, 0xb4}};
+
+class CFrameBase {
+public:
+    CFrameBase() : m_life(std::make_shared<char>(0)) {}
+    CFrameBase(const CFrameBase&) = delete;
+    CFrameBase& operator=(const CFrameBase&) = delete;
+    virtual ~CFrameBase() = default;
+
+    std::weak_ptr<const char> lifeToken() const { return m_life; }
+
+    // The frame of an object of this server, or null for any other object.
+    static CFrameBase* of(IUnknown* object);
+
+private:
+    std::shared_ptr<char> m_life;
+};
+
+// An uncounted back reference. An object of this server is watched through its life token, so a
+// parent that has gone is seen as dead; an object from elsewhere cannot be watched and is trusted.
+class WeakParent {
+public:
+    enum class State { None, Alive, Dead };
+
+    void set(IDispatch* parent);
+    void clear() { set(nullptr); }
+    // The parent if it lives. A dead parent is cleared, so the next look costs nothing.
+    State check();
+    IDispatch* get() { return check() == State::Alive ? m_parent : nullptr; }
+
+private:
+    IDispatch* m_parent = nullptr;
+    std::weak_ptr<const char> m_token;
+    bool m_watched = false;
+};
+
+}  // namespace nvdl

@@ -1,0 +1,16 @@
+#include "frame/ObjectFrame.h"
+#include "platform/CodePage.h"
+
+namespace nvdl {
+
+bool raiseError(const IID& iid, std::string_view message, std::string_view source) {
+    if (message.empty()) return false;
+    ErrorRecord record;
+    record.iid = iid;
+    record.source = widen(source);
+    record.description = widen(message);
+    setErrorInfo(std::move(record));
+    return true;
+}
+
+}  // namespace nvdl

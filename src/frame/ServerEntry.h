@@ -1,0 +1,18 @@
+// The module's entry: class factories, one per class, made on first request and kept until unload.
+#pragma once
+
+#include "platform/Dispatch.h"
+
+inline constexpr IID IID_IClassFactory{0x00000001, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+
+struct IClassFactory : IUnknown {
+    virtual HRESULT CreateInstance(IUnknown* outer, REFIID riid, void** object) = 0;
+    virtual HRESULT LockServer(int lock) = 0;
+
+protected:
+    ~IClassFactory() = default;
+};
+
+HRESULT DllGetClassObject(REFCLSID clsid, REFIID riid, void** factory);
+// S_OK (0) when no object lives and no lock is held; S_FALSE (1) otherwise.
+HRESULT DllCanUnloadNow();

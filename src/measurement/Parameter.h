@@ -1,0 +1,66 @@
+// CParameter: a name and a text value kept with a measurement, a setup or a project, persisted as a
+// fixed record of 200 bytes through its stream companion.
+#pragma once
+
+#include <string>
+
+#include "frame/ObjectFrame.h"
+#include "nvdl/IParameter.h"
+#include "platform/Persist.h"
+
+namespace nvdl {
+
+class CParameter;
+
+// The stream persistence companion: it has no count of its own and answers for its parameter.
+class CParameterPersistStream final : public IPersistStream {
+public:
+    static constexpr std::size_t kRecordSize = 200;
+    static constexpr std::size_t kTextField = 100;
+
+    explicit CParameterPersistStream(CParameter& owner) : m_owner(owner) {}
+
+    HRESULT QueryInterface(REFIID riid, void** ppv) override;
+    ULONG AddRef() override;
+    ULONG Release() override;
+    HRESULT GetClassID(CLSID* clsid) override;
+    HRESULT IsDirty() override;
+    HRESULT Load(IStream* stream) override;
+    HRESULT Save(IStream* stream, int clearDirty) override;
+    HRESULT GetSizeMax(std::uint64_t* size) override;
+
+private:
+    CParameter& m_owner;
+};
+
+class CParameter final : public CObjectFrame<IParameter> {
+public:
+    static IDispatch* create();
+
+    HRESULT put_Name(BSTR name) override;
+    HRESULT get_Name(BSTR* name) override;
+    HRESULT get_Value(BSTR* value) override;
+    HRESULT put_Value(BSTR value) override;
+    HRESULT Copy(IParameter* target) override;
+    HRESULT get_Modified(SHORT* modified) override;
+    HRESULT put_Modified(SHORT modified) override;
+    HRESULT get_Parent(IDispatch** parent) override;
+    HRESULT put_Parent(IDispatch* parent) override;
+    HRESULT Clone(IParameter** copy) override;
+
+private:
+    friend class CParameterPersistStream;
+    CParameter();
+
+    HRESULT queryCompanion(REFIID riid, void** ppv) override;
+    HRESULT UpdateParentModifiedFlag(SHORT flag);
+    static HRESULT Copy(IParameter* source, IParameter* target);
+
+    CParameterPersistStream m_persist{*this};
+    std::string m_name;
+    std::string m_value;
+    LONG m_modified = 0;
+    WeakParent m_parent;
+};
+
+}  // namespace nvdl

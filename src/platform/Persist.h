@@ -1,0 +1,25 @@
+// Persistence interfaces of the object runtime, with the platform's slot order.
+#pragma once
+
+#include "platform/Stream.h"
+
+inline constexpr IID IID_IPersist{0x0000010C, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+inline constexpr IID IID_IPersistStream{0x00000109, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+
+struct IPersist : IUnknown {
+    virtual HRESULT GetClassID(CLSID* clsid) = 0;
+
+protected:
+    ~IPersist() = default;
+};
+
+struct IPersistStream : IPersist {
+    // S_OK when there are unsaved changes, S_FALSE otherwise.
+    virtual HRESULT IsDirty() = 0;
+    virtual HRESULT Load(IStream* stream) = 0;
+    virtual HRESULT Save(IStream* stream, int clearDirty) = 0;
+    virtual HRESULT GetSizeMax(std::uint64_t* size) = 0;
+
+protected:
+    ~IPersistStream() = default;
+};
