@@ -4,3 +4,4 @@
 #include "nvdl/daTypes.h"
 #include "nvdl/daArithmetic.h"
 #include "nvdl/daSpectra.h"
+#include "nvdl/daSignal.h"
