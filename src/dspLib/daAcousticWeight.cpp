@@ -4,7 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "dspLib/daFailure.h"
+#include "dspLib/daChecks.h"
 #include "nvdl/daSignal.h"
 #include "platform/HResult.h"
 
@@ -85,6 +85,9 @@ long daAcousticWeight(daVector frequency, daVector* out, long type)
         daFail("%s : inputVector.length (%ld) should be >0 {%s,%d}", kName, frequency.length, kDaUnit, __LINE__);
         return E_FAIL;
     }
+
+    if (daCheckData(kName, {frequency}, out, __LINE__) != 0)
+        return 1;
 
     std::free(out->imag);
     out->imag = nullptr;

@@ -2,7 +2,7 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "dspLib/daFailure.h"
+#include "dspLib/daChecks.h"
 #include "nvdl/daSignal.h"
 
 long daHistogram(daVector a, daVector* out, long nrClasses, float minValue, float maxValue, int clip)
@@ -15,6 +15,9 @@ long daHistogram(daVector a, daVector* out, long nrClasses, float minValue, floa
     if (!(maxValue > minValue))
         return daFail("%s : maxValue (%e) should be greater than minValue (%e) {%s,%d}", kName,
                       static_cast<double>(maxValue), static_cast<double>(minValue), kDaUnit, __LINE__);
+
+    if (daCheckData(kName, {a}, out, __LINE__) != 0)
+        return 1;
 
     std::free(out->imag);
     out->imag = nullptr;

@@ -1,7 +1,7 @@
 // Integration and differentiation of spectra: division or multiplication by (jω)^n line by line.
 #include <cmath>
 
-#include "dspLib/daFailure.h"
+#include "dspLib/daChecks.h"
 #include "nvdl/daSignal.h"
 
 namespace {
@@ -22,6 +22,9 @@ long applyJOmegaPower(const char* name, Direction direction, daVector a, daVecto
                       a.length, frequency.length, kDaUnit, __LINE__);
     if (exponent < 1)
         return daFail("%s : exponent (%ld) should be >0 {%s,%d}", name, exponent, kDaUnit, __LINE__);
+
+    if (daCheckData(name, {a, frequency}, out, __LINE__) != 0)
+        return 1;
 
     daClearOutput(out);
     if (daAllocOutput(name, out, a.length, true, __LINE__) != 0)

@@ -2,7 +2,7 @@
 #include <cmath>
 #include <cstdint>
 
-#include "dspLib/daFailure.h"
+#include "dspLib/daChecks.h"
 #include "nvdl/daSignal.h"
 
 namespace {
@@ -27,6 +27,9 @@ long daOutputBuffer(daVector data, float outputLevel, float* scale, std::int32_t
     if (!(outputLevel > 0.0f))
         return daFail("%s : Data output level (%e) should be >0 {%s,%d}", kName, static_cast<double>(outputLevel),
                       kDaUnit, __LINE__);
+
+    if (daCheckData(kName, {data}, nullptr, __LINE__, false) != 0)
+        return 1;
 
     if (peak == 0.0f) {
         for (long i = 0; i < data.length; ++i)

@@ -1,7 +1,7 @@
 // Phase in degrees with the cut moved to -160 degrees.
 #include <cmath>
 
-#include "dspLib/daFailure.h"
+#include "dspLib/daChecks.h"
 #include "nvdl/daSignal.h"
 
 long daPhaseUnwrappedDegrees(daVector a, daVector* out)
@@ -9,6 +9,9 @@ long daPhaseUnwrappedDegrees(daVector a, daVector* out)
     static const char* const kName = "daPhaseUnwrappedDegrees";
     if (a.length < 0)
         return daFail("%s : Input vector length (%ld) should be >0 {%s,%d}", kName, a.length, kDaUnit, __LINE__);
+
+    if (daCheckData(kName, {a}, out, __LINE__) != 0)
+        return 1;
 
     daClearOutput(out);
     if (daAllocOutput(kName, out, a.length, false, __LINE__) != 0)

@@ -2,13 +2,16 @@
 #include <cmath>
 #include <limits>
 
-#include "dspLib/daFailure.h"
+#include "dspLib/daChecks.h"
 #include "nvdl/daSignal.h"
 
 long daRms(daVector a, float* rms, int amplitudes, float scale)
 {
     if (a.length < 0)
         return daFail("%s : Input vector1 length (%ld) should be >0 {%s,%d}", "daRms", a.length, kDaUnit, __LINE__);
+
+    if (daCheckData("daRms", {a}, nullptr, __LINE__, false) != 0)
+        return 1;
 
     double sum = 0.0;
     for (long i = 0; i < a.length; ++i) {

@@ -2,7 +2,7 @@
 // the DC line of a spectrum is kept out of the window's leakage.
 #include <cmath>
 
-#include "dspLib/daFailure.h"
+#include "dspLib/daChecks.h"
 #include "nvdl/daSignal.h"
 
 namespace {
@@ -122,6 +122,8 @@ long daRmsOfMeasurement(const daRmsSource& source, long first, long last, float*
 {
     if (rms == nullptr)
         return daFail("%s : rms pointer is null {%s,%d}", "daRmsOfMeasurement", kDaUnit, __LINE__);
+    if (daCheckData("daRmsOfMeasurement", {source.y}, nullptr, __LINE__, false) != 0)
+        return 1;
     const double k = conventionDivisor(*rms);
     *rms = 0.0f;
 

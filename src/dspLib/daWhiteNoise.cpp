@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "analysis/RealFft.h"
-#include "dspLib/daFailure.h"
+#include "dspLib/daChecks.h"
 #include "nvdl/daSignal.h"
 
 namespace {
@@ -52,6 +52,9 @@ long daWhiteNoise(daVector* out, float* peak, long blocksize, float samplingFreq
     if (!(burstFraction > 0.0f) || burstFraction > 1.0f)
         return daFail("%s : burstFraction (%e) should be within ]0.,1.] {%s,%d}", kName,
                       static_cast<double>(burstFraction), kDaUnit, __LINE__);
+
+    if (daCheckData(kName, {}, out, __LINE__) != 0)
+        return 1;
 
     const long n = blocksize;
     const long half = n / 2;

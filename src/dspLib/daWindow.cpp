@@ -2,7 +2,7 @@
 // block repeats seamlessly.
 #include <cmath>
 
-#include "dspLib/daFailure.h"
+#include "dspLib/daChecks.h"
 #include "nvdl/daSignal.h"
 
 namespace {
@@ -103,6 +103,9 @@ long daWindow(daeWindow type, daVector* out, long size, float amplitude, float p
                       8, kDaUnit, __LINE__);
     if (size < 0)
         return daFail("%s : Window size (%ld) should be >0 {%s,%d}", kName, size, kDaUnit, __LINE__);
+
+    if (daCheckData(kName, {}, out, __LINE__) != 0)
+        return 1;
 
     daClearOutput(out);
     if (daAllocOutput(kName, out, size, false, __LINE__) != 0)
