@@ -63,6 +63,7 @@ std::string lowerAnsi(std::u16string_view name) {
 
 bool toLong(const VARIANT* v, LONG& out) {
     Variant converted;
+    if (v->vt == VT_EMPTY) return false;  // an empty position is no position, not position 0
     if (FAILED(VariantChangeType(&converted, v, 0, VT_I4))) return false;
     out = converted.lVal;
     return true;

@@ -9,6 +9,8 @@
 
 #include "frame/FrameBase.h"
 #include "frame/ObjectCount.h"
+#include "frame/PropertyAccess.h"
+#include "frame/Resources.h"
 #include "platform/ErrorInfo.h"
 #include "platform/TypeDescription.h"
 
@@ -16,6 +18,8 @@ namespace nvdl {
 
 // Records a failure message as the thread's pending error; false when the message is empty.
 bool raiseError(const IID& iid, std::string_view message, std::string_view source);
+// The message of a put by name that found no property put: the name and " does not have property put.".
+std::string noPropertyPutMessage(BSTR name);
 
 template <class Interface>
 class CObjectFrame : public Interface, public CFrameBase {
@@ -102,6 +106,32 @@ protected:
 
     bool RaiseException(std::string_view message, std::string_view source) {
         return raiseError(*m_pIID, message, source);
+    }
+
+    // Property access by name over the class's own description, for get_Property, put_Property,
+    // PropertiesCount and PropertyName.
+    HRESULT getPropertyByName(BSTR name, BSTR* value) {
+        if (HRESULT h = ensureTypeInfo(LOCALE_USER_DEFAULT); FAILED(h)) return h;
+        return getPropertyText(dispatch(), m_pTypeInfo, name, value);
+    }
+    // A name with no property put fails with its message.
+    HRESULT putPropertyByName(BSTR name, BSTR value) {
+        if (HRESULT h = ensureTypeInfo(LOCALE_USER_DEFAULT); FAILED(h)) return h;
+        PutPropertyOutcome outcome;
+        HRESULT h = putPropertyText(dispatch(), m_pTypeInfo, name, value, outcome);
+        if (SUCCEEDED(h) && outcome == PutPropertyOutcome::NoSuchMember) {
+            RaiseException(noPropertyPutMessage(name), moduleFileName());
+            return E_FAIL;
+        }
+        return h;
+    }
+    HRESULT countProperties(LONG* count) {
+        if (HRESULT h = ensureTypeInfo(LOCALE_USER_DEFAULT); FAILED(h)) return h;
+        return propertiesCount(m_pTypeInfo, count);
+    }
+    HRESULT nameOfProperty(LONG index, BSTR* name) {
+        if (HRESULT h = ensureTypeInfo(LOCALE_USER_DEFAULT); FAILED(h)) return h;
+        return propertyName(m_pTypeInfo, index, name);
     }
 
     ULONG m_cRef = 1;

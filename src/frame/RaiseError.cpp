@@ -13,4 +13,6 @@ bool raiseError(const IID& iid, std::string_view message, std::string_view sourc
     return true;
 }
 
+std::string noPropertyPutMessage(BSTR name) { return bstrToAnsi(name) + loadStringResource(IDS_NO_PROPERTY_PUT); }
+
 }  // namespace nvdl

@@ -60,6 +60,7 @@ void describe(MemberEntry& entry, INVOKEKIND kind, const std::vector<SignatureIt
     std::vector<bool> output(n);
     for (std::size_t i = 0; i < n; ++i) output[i] = kind != INVOKE_PROPERTYPUT && kind != INVOKE_PROPERTYPUTREF &&
                                                    (signature[i].output || names[i].output);
+    if (kind == INVOKE_PROPERTYGET && n > 0) output[n - 1] = true;  // a get's last parameter is its value
     const bool hasRetval = n > 0 && output[n - 1] && (kind == INVOKE_PROPERTYGET || kind == INVOKE_FUNC);
 
     entry.desc.memid = entry.memid;

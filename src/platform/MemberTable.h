@@ -11,7 +11,7 @@
 // Members that share a name (the get and put halves of a property) share a member number; numbers
 // are given in order of first appearance from 1, unless a member names its own (DISPID_NEWENUM, ...).
 // Pointer parameters to a value type are outputs; the last output of a get or a method is its return
-// value. VARIANT* is an input unless marked out(). SHORT and double parameters are declared I2 and R8
+// value. VARIANT* is an input unless marked out(), or it is the last parameter of a get. SHORT and double parameters are declared I2 and R8
 // unless declaredAs() says BOOL or DATE.
 #pragma once
 

@@ -1,0 +1,50 @@
+// Late-bound calls for the tests, in the shape a client makes them.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "frame/LateBound.h"
+#include "platform/CodePage.h"
+#include "platform/ErrorInfo.h"
+#include "platform/Variant.h"
+
+namespace nvdl::test {
+
+inline std::string textOf(const VARIANT& v) {
+    Variant s;
+    if (FAILED(VariantChangeType(&s, &v, 0, VT_BSTR))) return "<not text>";
+    return narrow(bstrView(s.bstrVal));
+}
+
+inline std::string getText(IDispatch* object, std::u16string_view name) {
+    Variant v;
+    HRESULT h = latebound::get(object, name, &v);
+    return FAILED(h) ? "<failed>" : textOf(v);
+}
+
+inline HRESULT putText(IDispatch* object, std::u16string_view name, const char* text) {
+    return latebound::put(object, name, Variant::fromAnsi(text));
+}
+
+inline std::string pendingDescription() {
+    const ErrorRecord* r = peekErrorInfo();
+    return r ? narrow(r->description) : std::string();
+}
+
+// Calls a member with positional arguments (given first to last).
+inline HRESULT invoke(IDispatch* object, std::u16string_view name, WORD flags, std::vector<Variant> args,
+                      VARIANT* result = nullptr, unsigned* argErr = nullptr) {
+    DISPID id;
+    HRESULT h = latebound::memberId(object, name, &id);
+    if (FAILED(h)) return h;
+    std::vector<VARIANT> reversed(args.rbegin(), args.rend());
+    DISPID named = DISPID_PROPERTYPUT;
+    bool put = flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF);
+    DISPPARAMS params{reversed.empty() ? nullptr : reversed.data(), put ? &named : nullptr,
+                      static_cast<unsigned>(reversed.size()), put ? 1u : 0u};
+    return object->Invoke(id, IID_NULL, 0, flags, &params, result, nullptr, argErr);
+}
+
+}  // namespace nvdl::test
