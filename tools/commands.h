@@ -7,5 +7,6 @@ namespace nvdl::tool {
 using Command = int (*)(int argc, char** argv);
 
 int demo(int argc, char** argv);
+int tree(int argc, char** argv);
 
 }  // namespace nvdl::tool

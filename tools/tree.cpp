@@ -1,0 +1,82 @@
+// nvdl tree FILE: the storage tree of a compound file, one element per line in storage order,
+// depth first: path, kind, size, class identifier (storages) or '-' (streams), tab-separated.
+#include <cstdio>
+#include <string>
+
+#include "commands.h"
+#include "platform/CodePage.h"
+#include "platform/Storage.h"
+
+namespace nvdl::tool {
+
+namespace {
+
+const char* describe(HRESULT h) {
+    switch (h) {
+        case STG_E_FILEALREADYEXISTS: return "not a compound file";
+        case STG_E_INVALIDHEADER: return "damaged compound file header";
+        case STG_E_DOCFILECORRUPT: return "damaged compound file";
+        case STG_E_FILENOTFOUND: return "file not found";
+        case STG_E_PATHNOTFOUND: return "path not found";
+        case STG_E_ACCESSDENIED: return "access denied";
+        case STG_E_READFAULT: return "read error";
+        case STG_E_INSUFFICIENTMEMORY: return "out of memory";
+        default: return "cannot read compound file";
+    }
+}
+
+struct Releaser {
+    IUnknown* object;
+    ~Releaser() { object->Release(); }
+};
+
+HRESULT list(IStorage* storage, const std::string& prefix, std::string& out) {
+    std::vector<STATSTG> elements;
+    if (HRESULT h = storage->EnumElements(&elements); FAILED(h)) return h;
+    for (const STATSTG& e : elements) {
+        std::string path = prefix + "/" + utf16ToUtf8(e.name);
+        if (e.type != STGTY_STORAGE) {
+            out += path + "\tstream\t" + std::to_string(e.cbSize) + "\t-\n";
+            continue;
+        }
+        out += path + "\tstorage\t0\t" + formatGuid(e.clsid) + "\n";
+        IStorage* child = nullptr;
+        if (HRESULT h = storage->OpenStorage(e.name.c_str(), nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, nullptr, 0,
+                                             &child);
+            FAILED(h))
+            return h;
+        Releaser hold{child};
+        if (HRESULT h = list(child, path, out); FAILED(h)) return h;
+    }
+    return S_OK;
+}
+
+}  // namespace
+
+int tree(int argc, char** argv) {
+    if (argc != 1) {
+        std::fprintf(stderr, "usage: nvdl tree FILE\n");
+        return 2;
+    }
+    const char* file = argv[0];
+    IStorage* root = nullptr;
+    std::string out;
+    HRESULT h = openCompoundFile(file, STGM_READ | STGM_SHARE_EXCLUSIVE, &root);
+    if (SUCCEEDED(h)) {
+        Releaser hold{root};
+        STATSTG stat;
+        h = root->Stat(&stat, STATFLAG_NONAME);
+        if (SUCCEEDED(h)) {
+            out = "/\tstorage\t0\t" + formatGuid(stat.clsid) + "\n";
+            h = list(root, "", out);
+        }
+    }
+    if (FAILED(h)) {
+        std::fprintf(stderr, "nvdl tree: %s: %s (0x%08X)\n", file, describe(h), static_cast<unsigned>(h));
+        return 1;
+    }
+    std::fwrite(out.data(), 1, out.size(), stdout);
+    return 0;
+}
+
+}  // namespace nvdl::tool
