@@ -110,6 +110,11 @@ void Directory::eraseChild(std::uint32_t storage, std::uint32_t id) {
 }
 
 std::uint32_t Directory::add(std::uint32_t storage, std::u16string name, EntryType type) {
+    if (type == EntryType::Storage) {
+        std::size_t depth = 1;
+        for (std::uint32_t p = storage; p != kRoot; p = m_slots[p].parent) ++depth;
+        if (depth > kMaxDepth) fail(STG_E_INVALIDFUNCTION);
+    }
     std::uint32_t id = static_cast<std::uint32_t>(std::max<std::size_t>(m_freeHint, 1));
     while (id < m_entries.size() && m_entries[id].type != EntryType::Unused) ++id;
     m_freeHint = static_cast<std::size_t>(id) + 1;

@@ -34,7 +34,8 @@ public:
 
     // The child of that name as names compare, or NOSTREAM.
     std::uint32_t find(std::uint32_t storage, std::u16string_view name) const;
-    // A new empty child; the name must be valid and not taken.
+    // A new empty child; the name must be valid and not taken. A storage nested deeper than
+    // kMaxDepth gives STG_E_INVALIDFUNCTION.
     std::uint32_t add(std::uint32_t storage, std::u16string name, EntryType type);
     // The entry and all entries below it, the entry itself first.
     std::vector<std::uint32_t> subtree(std::uint32_t id) const;

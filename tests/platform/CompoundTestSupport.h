@@ -24,6 +24,11 @@ public:
     Ref() = default;
     Ref(const Ref&) = delete;
     Ref& operator=(const Ref&) = delete;
+    Ref(Ref&& other) noexcept : m_p(std::exchange(other.m_p, nullptr)) {}
+    Ref& operator=(Ref&& other) noexcept {
+        swap(*this, other);
+        return *this;
+    }
     ~Ref() { reset(); }
     T** out() {
         reset();
