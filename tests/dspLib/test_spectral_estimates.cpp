@@ -1,0 +1,109 @@
+// Cross-spectral density, its running average, frequency response and coherence.
+#include <gtest/gtest.h>
+
+#include "KernelVector.h"
+
+using namespace nvdl::test;
+
+namespace {
+
+class SpectralEstimates : public ::testing::Test {
+protected:
+    void SetUp() override { daClearErrorFlag(); }
+};
+
+}  // namespace
+
+TEST_F(SpectralEstimates, PsdIsTheConjugateProductOverTheFrequencyStep)
+{
+    std::vector<float> ar{1, 2}, ai{2, 0}, br{3, 1}, bi{-1, 4};
+    OwnedVector psd;
+    ASSERT_EQ(daPsd(view(ar, ai), view(br, bi), psd.out(), 2.0f), 0);
+    // conj(1+2j)(3-j) = (1-2j)(3-j) = 1-7j ; conj(2)(1+4j) = 2+8j
+    EXPECT_EQ(psd.real(), (std::vector<float>{0.5f, 1.0f}));
+    EXPECT_EQ(psd.imag(), (std::vector<float>{-3.5f, 4.0f}));
+
+    EXPECT_EQ(daPsd(view(ar, ai), view(br, bi), psd.out(), 0.0f), 1);
+    EXPECT_TRUE(lastError().starts_with("daPsd : delta frequency (0.000000e+00) should be positive {daDspLib,"));
+    std::vector<float> one{1};
+    EXPECT_EQ(daPsd(view(ar, ai), view(one), psd.out(), 1.0f), 1);
+    EXPECT_TRUE(lastError().starts_with("daPsd : Input spectra lengths (2 & 1) should be equal"));
+    EXPECT_EQ(psd.v.length, 2);  // rejected calls leave the earlier result
+}
+
+TEST_F(SpectralEstimates, AvgPsdBlendsWithOppositeImaginarySign)
+{
+    std::vector<float> ar{1}, ai{2}, br{3}, bi{-1};
+    std::vector<float> avgRe{10}, avgIm{20};
+    OwnedVector fresh;
+    // Fraction 1 takes the new value alone and ignores an average of another length.
+    std::vector<float> anyRe{0, 0, 0};
+    ASSERT_EQ(daAvgPsd(view(ar, ai), view(br, bi), view(anyRe), fresh.out(), 1.0f, 1.0f), 0);
+    EXPECT_EQ(fresh.real(), (std::vector<float>{1}));
+    EXPECT_EQ(fresh.imag(), (std::vector<float>{7}));  // br·ai − bi·ar = 6 + 1
+
+    OwnedVector blended;
+    ASSERT_EQ(daAvgPsd(view(ar, ai), view(br, bi), view(avgRe, avgIm), blended.out(), 0.5f, 1.0f), 0);
+    EXPECT_EQ(blended.real(), (std::vector<float>{5.5f}));
+    EXPECT_EQ(blended.imag(), (std::vector<float>{13.5f}));
+
+    // The running average may be its own output.
+    ASSERT_EQ(daAvgPsd(view(ar, ai), view(br, bi), blended.v, blended.out(), 0.5f, 1.0f), 0);
+    EXPECT_EQ(blended.real(), (std::vector<float>{3.25f}));
+
+    EXPECT_EQ(daAvgPsd(view(ar, ai), view(br, bi), view(anyRe), fresh.out(), 0.5f, 1.0f), 1);
+    EXPECT_TRUE(lastError().starts_with("daAvgPsd : Spectra and avgPsd lengths (1 & 3) should be equal"));
+    EXPECT_EQ(daAvgPsd(view(ar, ai), view(br, bi), view(avgRe), fresh.out(), 0.0f, 1.0f), 1);
+    EXPECT_TRUE(lastError().starts_with(
+        "daAvgPsd : Averaging fraction (0.000000e+00) new PSD must be in range ]0., 1.]  {daDspLib,"));
+}
+
+TEST_F(SpectralEstimates, FrfHoldsTheLastGoodValueBelowTheThreshold)
+{
+    std::vector<float> cr{2, 4, 6, 8}, ci{2, 0, 0, -4};
+    std::vector<float> autoPower{2, 0.01f, 0.01f, 4};
+    OwnedVector h1;
+    ASSERT_EQ(daFrf(view(cr, ci), view(autoPower), h1.out(), 1, 0.1f), 0);
+    EXPECT_EQ(h1.real(), (std::vector<float>{1, 1, 1, 2}));
+    EXPECT_EQ(h1.imag(), (std::vector<float>{1, 1, 1, -1}));
+
+    std::vector<float> low{0, 0, 0, 0};
+    OwnedVector held;
+    ASSERT_EQ(daFrf(view(cr, ci), view(low), held.out(), 1, 0.1f), 0);
+    EXPECT_EQ(held.real(), (std::vector<float>{1, 1, 1, 1}));
+    EXPECT_EQ(held.imag(), (std::vector<float>{0, 0, 0, 0}));
+
+    // Second estimator: auto·conj(cross)/|cross|², i.e. auto/cross.
+    OwnedVector h2;
+    ASSERT_EQ(daFrf(view(cr, ci), view(autoPower), h2.out(), 2, 0.1f), 0);
+    EXPECT_FLOAT_EQ(h2.real()[0], 0.5f);
+    EXPECT_FLOAT_EQ(h2.imag()[0], -0.5f);
+    EXPECT_FLOAT_EQ(h2.real()[3], 4.0f * 8 / 80);
+    EXPECT_FLOAT_EQ(h2.imag()[3], 4.0f * 4 / 80);
+
+    std::vector<float> shortAuto{1};
+    EXPECT_EQ(daFrf(view(cr, ci), view(shortAuto), h2.out(), 1, 0.1f), 1);
+    EXPECT_TRUE(lastError().starts_with("daFrf : Auto and crosspower lengths (1 & 4) should be equal"));
+}
+
+TEST_F(SpectralEstimates, CoherenceSkipsZeroAutopowersAndTidiesNearZeroAndOne)
+{
+    std::vector<float> cr{2, 1, 1, 1}, ci{0, 0, 0, 0};
+    std::vector<float> auto1{0, 1, 1, 1};
+    std::vector<float> auto2{2, 0.9995f, -2000, -500};
+    OwnedVector coherence;
+    ASSERT_EQ(daCoherence(view(cr, ci), view(auto1), view(auto2), coherence.out()), 0);
+    EXPECT_EQ(coherence.v.imag, nullptr);
+    std::vector<float> c = coherence.real();
+    EXPECT_FLOAT_EQ(c[0], 2.0f);  // auto1 zero: |cross|²/auto2, above 1
+    EXPECT_EQ(c[1], 1.0f);        // 1.0005 rounds to 1
+    EXPECT_EQ(c[2], 0.0f);        // -0.0005 rounds to 0
+    EXPECT_FLOAT_EQ(c[3], -0.002f);
+
+    std::vector<float> shortAuto{1, 1};
+    EXPECT_EQ(daCoherence(view(cr, ci), view(auto1), view(shortAuto), coherence.out()), 1);
+    EXPECT_TRUE(lastError().starts_with("daCoherence : Auto2 and crosspower lengths (2 & 4) should be equal"));
+    daVector negative{cr.data(), nullptr, -3};
+    EXPECT_EQ(daCoherence(negative, view(auto1), view(auto2), coherence.out()), 1);
+    EXPECT_TRUE(lastError().starts_with("daCoherence : Crosspower spectral density length (-3) should be >0"));
+}
