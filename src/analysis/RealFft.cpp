@@ -5,6 +5,7 @@
 // shifted down by one float from index 2 on, and a backward input is unpacked the other way.
 #include "analysis/RealFft.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 
@@ -26,20 +27,26 @@ float* allocAlignedFloats(size_t floats)
 // Number of floats in FFTW's complex half-spectrum of an n-point real transform.
 size_t halfSpectrumFloats(long n) { return 2 * (static_cast<size_t>(n) / 2 + 1); }
 
+// Runs the forward plan from p into `spectrum` (n + 2 floats, aligned) and returns false if no plan
+// can be made. The plan preserves its input.
+bool transformForward(FftPlans& plans, const float* p, float* spectrum)
+{
+    float* in = const_cast<float*>(p);
+    fftwf_plan plan = nvdl::analysis::forwardPlan(plans, fftwf_alignment_of(in) == 0);
+    if (plan == nullptr)
+        return false;
+    fftwf_execute_dft_r2c(plan, in, reinterpret_cast<fftwf_complex*>(spectrum));
+    return true;
+}
+
 float* forward(FftPlans& plans, const float* p)
 {
     long n = plans.n;
     float* q = allocAlignedFloats(halfSpectrumFloats(n));
-    if (q == nullptr)
-        return nullptr;
-    float* in = const_cast<float*>(p);  // the plan preserves its input
-    bool aligned = fftwf_alignment_of(in) == 0;
-    fftwf_plan plan = nvdl::analysis::forwardPlan(plans, aligned);
-    if (plan == nullptr) {
+    if (q == nullptr || !transformForward(plans, p, q)) {
         std::free(q);
         return nullptr;
     }
-    fftwf_execute_dft_r2c(plan, in, reinterpret_cast<fftwf_complex*>(q));
     if (n > 1)
         std::memmove(q + 1, q + 2, static_cast<size_t>(n - 1) * sizeof(float));
     return q;
@@ -74,9 +81,15 @@ ImslFftRealSetup* imsl_f_fft_real_init(long n)
     FftPlans* plans = nvdl::analysis::fftPlansFor(n);
     if (plans == nullptr || nvdl::analysis::forwardPlan(*plans, true) == nullptr)
         return nullptr;
-    auto* setup = static_cast<ImslFftRealSetup*>(std::malloc(sizeof(ImslFftRealSetup)));
-    if (setup != nullptr)
-        setup->n = n;
+    size_t workBytes = halfSpectrumFloats(n) * sizeof(float);
+    void* block = std::malloc(sizeof(ImslFftRealSetup) + kArrayAlignment + workBytes);
+    if (block == nullptr)
+        return nullptr;
+    auto* setup = static_cast<ImslFftRealSetup*>(block);
+    auto workStart = reinterpret_cast<std::uintptr_t>(setup + 1);
+    workStart = (workStart + kArrayAlignment - 1) / kArrayAlignment * kArrayAlignment;
+    setup->n = n;
+    setup->work = reinterpret_cast<float*>(workStart);
     return setup;
 }
 
@@ -88,4 +101,17 @@ float* imsl_f_fft_real(long n, const float* p, ImslFftDirection direction, const
     if (plans == nullptr)
         return nullptr;
     return direction == ImslFftDirection::Forward ? forward(*plans, p) : backward(*plans, p);
+}
+
+const float* imsl_f_fft_real_into_setup(long n, const float* p, ImslFftRealSetup* setup)
+{
+    if (p == nullptr || setup == nullptr || setup->n != n)
+        return nullptr;
+    FftPlans* plans = nvdl::analysis::fftPlansFor(n);
+    if (plans == nullptr || !transformForward(*plans, p, setup->work))
+        return nullptr;
+    // The half-spectrum re0, im0 = 0, re1, im1, ... read from its second float is the packed layout
+    // once that float takes re0.
+    setup->work[1] = setup->work[0];
+    return setup->work + 1;
 }

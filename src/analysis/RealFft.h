@@ -13,14 +13,17 @@
 // The cache is unsynchronised, like the rest of the kernel: one caller at a time.
 #pragma once
 
-// Set-up for transforms of one length: a plain record, released with free().
+// Set-up for transforms of one length, with a work area for transforms that return their result
+// in it. One block, released with free().
 struct ImslFftRealSetup {
     long n;
+    float* work;  // n + 2 floats inside the same block, aligned for the transform
 };
 
 enum class ImslFftDirection { Forward, Backward };
 
-// Prepares transforms of length n (builds and caches the plan). Null if n < 1 or on allocation failure.
+// Prepares transforms of length n (builds and caches the plan, allocates the work area). Null if
+// n < 1 or on allocation failure.
 ImslFftRealSetup* imsl_f_fft_real_init(long n);
 
 // Transforms the n floats of p (left unchanged) and returns a new array of n floats, to be released
@@ -28,3 +31,8 @@ ImslFftRealSetup* imsl_f_fft_real_init(long n);
 // only an optimisation: the numbers are the same with or without it.
 float* imsl_f_fft_real(long n, const float* p, ImslFftDirection direction = ImslFftDirection::Forward,
                        const ImslFftRealSetup* setup = nullptr);
+
+// Forward transform of the n floats of p into the work area of `setup` (which must be of length n),
+// without allocating anything: the result a repeated block size needs. Returns the packed result
+// (n floats), valid until the next transform through that set-up, or null on failure.
+const float* imsl_f_fft_real_into_setup(long n, const float* p, ImslFftRealSetup* setup);

@@ -16,7 +16,7 @@ namespace {
 long g_cachedLength = 0;
 ImslFftRealSetup* g_cachedSetup = nullptr;
 
-const ImslFftRealSetup* setupForLength(long n)
+ImslFftRealSetup* setupForLength(long n)
 {
     if (g_cachedSetup == nullptr || g_cachedLength != n) {
         std::free(g_cachedSetup);
@@ -48,8 +48,10 @@ long daFft(daVector time, daVector* spectrum)
     daClearOutput(spectrum);
     if (daAllocOutput("daFft", spectrum, lines, true, __LINE__))
         return 1;
-    // The transform leaves its input untouched, so it reads the caller's samples directly.
-    float* p = imsl_f_fft_real(n, time.real, ImslFftDirection::Forward, setupForLength(n));
+    // The transform leaves its input untouched, so it reads the caller's samples directly, and it
+    // leaves its result in the cached set-up's work area, so a repeated block size allocates
+    // nothing beyond the output.
+    const float* p = imsl_f_fft_real_into_setup(n, time.real, setupForLength(n));
     if (p == nullptr)
         return daFail("%s : Forward FFT (imsl_f_fft_real) failed {%s,%d}", "daFft", kDaUnit, __LINE__);
     const float g = 2.0f / static_cast<float>(n);
@@ -64,7 +66,6 @@ long daFft(daVector time, daVector* spectrum)
     }
     re[n / 2] = static_cast<float>(factor * p[n - 1] * 0.5);
     im[n / 2] = 0.0f;
-    std::free(p);
     return 0;
 }
 
