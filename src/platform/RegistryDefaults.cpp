@@ -1,5 +1,7 @@
 #include "platform/RegistryDefaults.h"
 
+#include "project/units/ShippedUnitsFile.h"
+
 namespace nvdl::registry {
 
 namespace {
@@ -9,6 +11,7 @@ constexpr RegistryDefault kDefaults[] = {
     {Hive::CurrentUser, kSettingsKey, "MaxBlockSize", "32768"},
     {Hive::CurrentUser, kSettingsKey, "LongFileFeature", "0"},
     {Hive::CurrentUser, kSettingsKey, "ComputationBlocksizeDivider", "1"},
+    {Hive::CurrentUser, kSettingsKey, "UnitsFile", units::kShippedUnitsFile},
 };
 
 }  // namespace

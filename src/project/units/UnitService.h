@@ -1,0 +1,34 @@
+// CUnitService: the unit service shipped with the library. It holds one table; it starts with the
+// shipped units file, read on first need, and Load replaces the table when the new file reads.
+#pragma once
+
+#include <string>
+
+#include "frame/ObjectFrame.h"
+#include "nvdl/IUnitService.h"
+#include "project/units/UnitTable.h"
+
+namespace nvdl::units {
+
+class CUnitService final : public CObjectFrame<IUnitService> {
+public:
+    static CUnitService* create();
+
+    HRESULT get_Dimensions(IDimensions** dimensions) override;
+    HRESULT get_Units(IUnits** units) override;
+    HRESULT Load(BSTR file) override;
+    HRESULT get_FileName(BSTR* file) override;
+    HRESULT FindUnit(BSTR name, IUnit** unit) override;
+    HRESULT NewDimension(IDimension** dimension) override;
+
+    // The table in use, never null (empty when not even the shipped file reads).
+    SharedTable table();
+
+private:
+    CUnitService();
+
+    SharedTable m_table;
+    std::string m_fileName;
+};
+
+}  // namespace nvdl::units
