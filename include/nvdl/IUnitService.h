@@ -136,7 +136,7 @@ struct IUnitService : IDispatch {
     // Every unit of every dimension, in table order.
     virtual HRESULT get_Units(IUnits** units) = 0;
     virtual HRESULT Load(BSTR file) = 0;
-    // The file the table was read from; empty before the first read.
+    // The file the table was read from; empty when not even the shipped file could be read.
     virtual HRESULT get_FileName(BSTR* file) = 0;
     // A unit of any dimension by name: the first exact match in table order, else the first match
     // ignoring case; E_INVALIDARG when the table has none.

@@ -72,6 +72,7 @@ HRESULT CUnitService::Load(BSTR file) {
 
 HRESULT CUnitService::get_FileName(BSTR* file) {
     if (!file) return E_POINTER;
+    table();  // the shipped file is read on first need
     *file = allocBstrFromAnsi(m_fileName);
     return S_OK;
 }
