@@ -115,21 +115,6 @@ TEST(RealFft, ForwardMatchesNumpyInPackedLayout) { checkDirection(ImslFftDirecti
 
 TEST(RealFft, BackwardMatchesUnnormalisedNumpyInverse) { checkDirection(ImslFftDirection::Backward, kPackedBackward, 99); }
 
-TEST(RealFft, ForwardThenBackwardMultipliesByLength)
-{
-    for (long n : {6L, 9L, 4096L}) {
-        std::vector<float> x = randomFloats(static_cast<size_t>(n), 5);
-        float* q = imsl_f_fft_real(n, x.data());
-        ASSERT_NE(q, nullptr);
-        float* p = imsl_f_fft_real(n, q, ImslFftDirection::Backward);
-        ASSERT_NE(p, nullptr);
-        for (long i = 0; i < n; ++i)
-            EXPECT_NEAR(p[i], n * x[i], 1e-4 * n) << n << " " << i;
-        std::free(q);
-        std::free(p);
-    }
-}
-
 TEST(RealFft, SetupGivesTheSameNumbersAndMustMatchTheLength)
 {
     const long n = 1000;
