@@ -4,8 +4,10 @@
 
 #include "../frame/TestHelpers.h"
 #include "../frame/TestObjects.h"
+#include "frame/ClassTable.h"
 #include "frame/ObjectCount.h"
 #include "measurement/SignalRange.h"
+#include "nvdl/IMeasurement.h"
 
 namespace nvdl::test {
 namespace {
@@ -239,6 +241,62 @@ TEST(SignalRange, DeadMeasurementIsClearedAndTheFlagStaysLocal) {
     EXPECT_EQ(r.put_Max(3.0), S_OK);
     EXPECT_EQ(modifiedOf(r), -1);
     EXPECT_EQ(measurementOf(r), nullptr);
+}
+
+
+IMeasurement* newMeasurement() {
+    IDispatch* object = nullptr;
+    EXPECT_EQ(createInstance(CLSID_CMeasurement, &object), S_OK);
+    return static_cast<IMeasurement*>(object);
+}
+
+SHORT modifiedOf(IMeasurement& m) {
+    SHORT v = 99;
+    EXPECT_EQ(m.get_Modified(&v), S_OK);
+    return v;
+}
+
+TEST(SignalRange, RangeOfAMeasurementMarksItAndKeepsItAlive) {
+    long objectsBefore = g_nObjects;
+    IMeasurement* m = newMeasurement();
+    ISignalRange* range = nullptr;
+    ASSERT_EQ(m->get_SignalRange(&range), S_OK);
+    ASSERT_NE(range, nullptr);
+    EXPECT_EQ(measurementOf(*range), m);
+
+    m->put_Modified(0);
+    EXPECT_EQ(range->put_Mean(0.5), S_OK);
+    EXPECT_NE(modifiedOf(*m), 0);
+    // Clearing stays with the range.
+    range->put_Modified(0);
+    EXPECT_NE(modifiedOf(*m), 0);
+    m->put_Modified(0);
+    EXPECT_EQ(putText(range, u"Range", "5"), S_OK);
+    EXPECT_NE(modifiedOf(*m), 0);
+
+    // The range's reference holds the whole measurement.
+    m->Release();
+    EXPECT_EQ(read(*range, &ISignalRange::get_Mean), 0.5);
+    EXPECT_EQ(rangeOf(*range), 5.0f);
+    range->Release();
+    EXPECT_EQ(g_nObjects, objectsBefore);
+}
+
+TEST(SignalRange, CloneOfAMeasurementsRangeOutlivesIt) {
+    IMeasurement* m = newMeasurement();
+    ISignalRange* range = nullptr;
+    ASSERT_EQ(m->get_SignalRange(&range), S_OK);
+    range->put_Factor(2.0);
+    ISignalRange* copy = nullptr;
+    ASSERT_EQ(range->Clone(&copy), S_OK);
+    range->Release();
+    m->Release();
+    EXPECT_EQ(read(*copy, &ISignalRange::get_Factor), 2.0);
+    IDispatch* gone = nullptr;
+    EXPECT_EQ(copy->get_Measurement(&gone), E_POINTER);  // the measurement has gone
+    EXPECT_EQ(gone, nullptr);
+    EXPECT_EQ(copy->put_Min(1.0), S_OK);
+    copy->Release();
 }
 
 }  // namespace
