@@ -282,22 +282,5 @@ TEST(SignalRange, RangeOfAMeasurementMarksItAndKeepsItAlive) {
     EXPECT_EQ(g_nObjects, objectsBefore);
 }
 
-TEST(SignalRange, CloneOfAMeasurementsRangeOutlivesIt) {
-    IMeasurement* m = newMeasurement();
-    ISignalRange* range = nullptr;
-    ASSERT_EQ(m->get_SignalRange(&range), S_OK);
-    range->put_Factor(2.0);
-    ISignalRange* copy = nullptr;
-    ASSERT_EQ(range->Clone(&copy), S_OK);
-    range->Release();
-    m->Release();
-    EXPECT_EQ(read(*copy, &ISignalRange::get_Factor), 2.0);
-    IDispatch* gone = nullptr;
-    EXPECT_EQ(copy->get_Measurement(&gone), E_POINTER);  // the measurement has gone
-    EXPECT_EQ(gone, nullptr);
-    EXPECT_EQ(copy->put_Min(1.0), S_OK);
-    copy->Release();
-}
-
 }  // namespace
 }  // namespace nvdl::test

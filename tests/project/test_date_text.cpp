@@ -29,17 +29,6 @@ TEST(SplitText, PiecesBetweenSeparators) {
     EXPECT_EQ(split("", "."), V{});
 }
 
-TEST_F(DateTextTest, RegionalValuesAreReadAsTheyStand) {
-    regional({{"sShortDate", " dd.MM.yyyy"}, {"sDate", "."}, {"sTimeFormat", "HH:mm"}, {"sTime", ":"},
-              {"s1159", "vorm."}, {"s2359", ""}});
-    EXPECT_EQ(ReadShortDateFormat(), " dd.MM.yyyy");
-    EXPECT_EQ(ReadDateSeparator(), ".");
-    EXPECT_EQ(ReadTimeFormat(), "HH:mm");
-    EXPECT_EQ(ReadTimeSeparator(), ":");
-    EXPECT_EQ(ReadAmText(), "vorm.");
-    EXPECT_EQ(ReadPmText(), "");
-}
-
 TEST_F(DateTextTest, WithoutASettingsFileTheBuiltInRegionIsUsed) {
     EXPECT_EQ(ReadShortDateFormat(), "M/d/yyyy");
     EXPECT_EQ(FormatDateTimeLocal(march5th()), "3/5/2004 2:07:09 PM");
