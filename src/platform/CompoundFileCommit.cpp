@@ -30,8 +30,13 @@ std::vector<std::uint32_t> CompoundFile::allocateMetadataChain(std::size_t secto
 }
 
 void CompoundFile::writeSectors(const std::vector<std::uint32_t>& sectors, const std::vector<std::uint8_t>& bytes) {
-    for (std::size_t i = 0; i < sectors.size(); ++i)
-        writeFile(sectorOffset(sectors[i]), bytes.data() + i * sectorSize(), sectorSize());
+    // Runs of consecutive sectors go out in one write.
+    for (std::size_t i = 0; i < sectors.size();) {
+        std::size_t n = 1;
+        while (i + n < sectors.size() && sectors[i + n] == sectors[i] + n) ++n;
+        writeFile(sectorOffset(sectors[i]), bytes.data() + i * sectorSize(), n * sectorSize());
+        i += n;
+    }
 }
 
 void CompoundFile::commit() {
@@ -128,13 +133,12 @@ void CompoundFile::convertToLargeSectors() {
             if (s < 7 || (s - 7) % 8 != 0 || run < 8) fail(E_UNEXPECTED);
             std::uint32_t g = (s - 7) / 8;
             large.set(g, ENDOFCHAIN);
-            if (chain.length() > 0) large.set(chain.back(), g);
+            if (chain.length() > 0)
+                large.set(chain.back(), g);
+            else
+                m_dir.entry(id).startSector = g;
             chain.push(g);
         }
-        m_dir.entry(id).startSector = chain.length() > 0 ? [&] {
-            std::uint64_t run;
-            return chain.locate(0, run);
-        }() : ENDOFCHAIN;
         p.chain = std::move(chain);
     };
     for (std::uint32_t id = 0; id < m_dir.slotCount(); ++id) {

@@ -42,6 +42,7 @@ GSF_TREE = [
 
 
 def gsf_write(path, sector_size):
+    """Writes the reference tree to path; returns its manifest lines."""
     import gi
     gi.require_version("Gsf", "1")
     from gi.repository import Gsf
@@ -72,7 +73,7 @@ def gsf_write(path, sector_size):
     for elem_path in sorted((p for p in outputs if p), key=lambda p: -p.count("/")):
         outputs[elem_path].close()
     root.close()
-    print("\n".join(manifest))
+    return manifest
 
 
 def olefile_check(path, manifest_path):
@@ -114,7 +115,7 @@ def olefile_check(path, manifest_path):
 
 def main(argv):
     if len(argv) == 4 and argv[1] == "gsf-write":
-        gsf_write(argv[2], int(argv[3]))
+        print("\n".join(gsf_write(argv[2], int(argv[3]))))
         return 0
     if len(argv) == 4 and argv[1] == "olefile-check":
         return olefile_check(argv[2], argv[3])
