@@ -10,7 +10,7 @@ packages=(
   libfftw3-dev liblapack-dev libblas-dev zlib1g-dev libminizip-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   python3 python3-dev pybind11-dev python3-numpy python3-scipy python3-pytest
-  python3-olefile libgsf-1-dev
+  python3-olefile libgsf-1-dev python3-gi gir1.2-gsf-1
 )
 missing=()
 for p in "${packages[@]}"; do
