@@ -83,7 +83,7 @@ void DetachItem(IDispatch* item) {
 
 void registerCollectionInterfaces() {
     const InterfaceDescription& base = describeCollection();
-    for (const CollectionInterface& c : kCollectionInterfaces) registerInterface(*base.alias(c.iid, c.name));
+    for (const CollectionInterface& c : kCollectionInterfaces) registerInterface(base.alias(c.iid, c.name));
 }
 
 CObjectCollection::CObjectCollection(const IID& iid) : CObjectFrame(m_iid), m_iid(iid) {}

@@ -127,15 +127,7 @@ CFields::CFields() : CObjectFrame(IID_IFields) {}
 
 CFields* CFields::create() { return new CFields; }
 
-CFields::~CFields() {
-    if (m_owner) m_owner->Release();
-}
-
-void CFields::SetOwner(IDispatch* owner) {
-    if (owner) owner->AddRef();
-    if (m_owner) m_owner->Release();
-    m_owner = owner;
-}
+void CFields::SetOwner(IDispatch* owner) { m_owner.set(owner); }
 
 HRESULT CFields::Load(ITypeLib* library, IDispatch* owner) {
     if (!library) return E_POINTER;
@@ -190,7 +182,7 @@ HRESULT CFields::get_Item(VARIANT index, IField** field) {
         if (key.lVal < 0 || key.lVal > static_cast<LONG>(m_names.size())) return E_INVALIDARG;
         if (key.lVal < static_cast<LONG>(m_names.size())) name = m_names[key.lVal];
     }
-    *field = CField::create(m_owner, m_ownerInterface, name);
+    *field = CField::create(m_owner.get(), m_ownerInterface, name);
     return S_OK;
 }
 
@@ -198,7 +190,7 @@ HRESULT CFields::get__NewEnum(IUnknown** enumerator) {
     if (!enumerator) return E_POINTER;
     auto snapshot = std::make_shared<CCollectionEnumerator::Snapshot>();
     for (const std::string& name : m_names) {
-        CField* field = CField::create(m_owner, m_ownerInterface, name);
+        CField* field = CField::create(m_owner.get(), m_ownerInterface, name);
         snapshot->push_back(Variant::fromDispatch(field->dispatch()));
         field->Release();
     }

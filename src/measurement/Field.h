@@ -39,7 +39,6 @@ private:
 class CFields final : public CObjectFrame<IFields> {
 public:
     static CFields* create();
-    ~CFields() override;
 
     HRESULT get_Count(LONG* count) override;
     HRESULT get_Item(VARIANT index, IField** field) override;
@@ -56,7 +55,7 @@ public:
 private:
     CFields();
 
-    IDispatch* m_owner = nullptr;  // counted
+    WeakParent m_owner;  // uncounted: the owner keeps its list, not the other way round
     IID m_ownerInterface{};
     std::vector<std::string> m_names;
 };

@@ -9,7 +9,7 @@ namespace nvdl {
 namespace {
 
 // Days from 1970-01-01 of a proleptic Gregorian civil date.
-long long daysFromCivil(long long y, unsigned m, unsigned d) {
+constexpr long long daysFromCivil(long long y, unsigned m, unsigned d) {
     y -= m <= 2;
     const long long era = (y >= 0 ? y : y - 399) / 400;
     const unsigned yoe = static_cast<unsigned>(y - era * 400);
@@ -30,7 +30,7 @@ void civilFromDays(long long z, int& y, int& m, int& d) {
     y = static_cast<int>(static_cast<long long>(yoe) + era * 400 + (m <= 2));
 }
 
-const long long kEpochOffset = daysFromCivil(1899, 12, 30);
+constexpr long long kEpochOffset = daysFromCivil(1899, 12, 30);
 
 int daysInMonth(int y, int m) {
     static const int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};

@@ -80,8 +80,13 @@ struct Arg<BSTR> {
     static constexpr VARTYPE kType = VT_BSTR;
     static constexpr bool kOutput = false;
     Variant holder;
-    HRESULT load(CallFrame& f, const ArgSlot& s) { return loadConverted(f.params[s.position], VT_BSTR, holder); }
-    BSTR get() { return holder.bstrVal; }
+    // A left-out optional text is the empty (null) text.
+    HRESULT load(CallFrame& f, const ArgSlot& s) {
+        const VARIANT* in = f.params[s.position];
+        if (in && in->vt == VT_ERROR && in->scode == DISP_E_PARAMNOTFOUND) return S_OK;
+        return loadConverted(in, VT_BSTR, holder);
+    }
+    BSTR get() { return holder.vt == VT_BSTR ? holder.bstrVal : nullptr; }
     void store(CallFrame&, const ArgSlot&) {}
 };
 
@@ -332,9 +337,7 @@ public:
     }
     // The finished description, registered in the type library.
     const InterfaceDescription& build() {
-        auto* d = new InterfaceDescription(m_iid, m_name, std::move(m_members));
-        registerInterface(*d);
-        return *d;
+        return registerInterface(std::make_unique<InterfaceDescription>(m_iid, m_name, std::move(m_members)));
     }
 
 private:

@@ -163,8 +163,8 @@ HRESULT InterfaceDescription::invokeWithNullOutputs(IDispatch* instance, const M
     return entry.thunk(instance, entry, frame);
 }
 
-InterfaceDescription* InterfaceDescription::alias(const IID& iid, const char* name) const {
-    return new InterfaceDescription(iid, name, m_members);
+std::unique_ptr<InterfaceDescription> InterfaceDescription::alias(const IID& iid, const char* name) const {
+    return std::make_unique<InterfaceDescription>(iid, name, m_members);
 }
 
 namespace {
@@ -194,15 +194,22 @@ public:
         *info = const_cast<InterfaceDescription*>(it->second);
         return S_OK;
     }
-    void add(const InterfaceDescription& d) { m_byIid[d.iid()] = &d; }
+    const InterfaceDescription& add(std::unique_ptr<InterfaceDescription> d) {
+        m_byIid[d->iid()] = d.get();
+        m_owned.push_back(std::move(d));
+        return *m_owned.back();
+    }
 
 private:
     std::unordered_map<IID, const InterfaceDescription*, GuidHash> m_byIid;
+    std::vector<std::unique_ptr<InterfaceDescription>> m_owned;
 };
 
 }  // namespace
 
-void registerInterface(const InterfaceDescription& description) { TypeLibrary::instance().add(description); }
+const InterfaceDescription& registerInterface(std::unique_ptr<InterfaceDescription> description) {
+    return TypeLibrary::instance().add(std::move(description));
+}
 
 }  // namespace nvdl
 

@@ -4,6 +4,7 @@
 // Tables are built once per interface by the templates of MemberTable.h.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -63,7 +64,7 @@ public:
     const char* name() const { return m_name; }
     const std::vector<MemberEntry>& members() const { return m_members; }
     // The same members under another identity and name (collection interfaces share one table).
-    InterfaceDescription* alias(const IID& iid, const char* name) const;
+    std::unique_ptr<InterfaceDescription> alias(const IID& iid, const char* name) const;
     // Calls one member with every output null and every input empty: each member with an output
     // must answer E_POINTER without touching anything.
     HRESULT invokeWithNullOutputs(IDispatch* instance, const MemberEntry& entry) const;
@@ -76,8 +77,9 @@ private:
     std::vector<MemberEntry> m_members;
 };
 
-// Registers a description in the system's type library, under its interface identifier.
-void registerInterface(const InterfaceDescription& description);
+// Registers a description in the system's type library, under its interface identifier. The
+// library keeps it for the life of the process.
+const InterfaceDescription& registerInterface(std::unique_ptr<InterfaceDescription> description);
 
 }  // namespace nvdl
 

@@ -281,7 +281,7 @@ private:
             ITypeInfo* info = nullptr;
             if (SUCCEEDED(LoadRegTypeLib(LIBID_NVDL, 1, 0, 0, &library)) &&
                 SUCCEEDED(library->GetTypeInfoOfGuid(IID_IParameters, &info)))
-                registerInterface(*static_cast<InterfaceDescription*>(info)->alias(IID_ITestItems, "ITestItems"));
+                registerInterface(static_cast<InterfaceDescription*>(info)->alias(IID_ITestItems, "ITestItems"));
             return true;
         }();
         (void)registered;

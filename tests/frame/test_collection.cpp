@@ -174,6 +174,7 @@ TEST_F(Collection, RemoveDetachesAndEnumeratorKeepsItsSnapshot) {
     e->Reset();
     e->Skip(1);
     ASSERT_EQ(e->Clone(&copy), S_OK);
+    VariantClear(&got[0]);  // Next fills its outputs as new
     EXPECT_EQ(copy->Next(1, got, &fetched), S_OK);
     EXPECT_EQ(getText(got[0].pdispVal, u"Name"), "B");
     copy->Release();

@@ -1,0 +1,198 @@
+// CMeasurement: life cycle, identity, naming, parent and the Modified climb.
+#include "measurement/Measurement.h"
+
+#include <ctime>
+
+#include "frame/ClassTable.h"
+#include "frame/LateBound.h"
+#include "platform/CodePage.h"
+#include "platform/DebugTrace.h"
+#include "platform/Registry.h"
+
+namespace nvdl {
+
+namespace {
+
+const ClassRegistration g_class{{"nv_bench.measurement", CLSID_CMeasurement, "Sonvara Measurement", &CMeasurement::create}};
+
+DATE localNow() {
+    std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    return dateFromParts(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
+}
+
+// An internal identity: answers the CMeasurement itself, without a reference.
+constexpr IID IID_CMeasurementImpl{0x7c1e2f90, 0x5a3b, 0x4d21, {0x8e, 0x44, 0x10, 0x9b, 0x6f, 0x2a, 0xd3, 0x57}};
+
+}  // namespace
+
+CMeasurement::CMeasurement() : CObjectFrame(IID_IMeasurement) {
+    m_measurementTime = localNow();
+    m_parameters.SetOwner(dispatch());
+    m_parameters.SetItemClass(CLSID_CParameter);
+    m_measurements.SetOwner(dispatch());
+    m_measurements.SetItemClass(CLSID_CMeasurement);
+    m_dataBlocks.SetOwner(dispatch());
+    m_dataBlocks.SetItemClass(CLSID_CDataBlock);
+    m_signalRange.SetOwner(dispatch());
+    m_maxBlockSize = 0;
+    CheckRegistryMaxBlockSize();
+    std::string longFile = registry::readSetting("LongFileFeature").value_or("0");
+    m_longFileFeature = std::atol(longFile.c_str()) != 0 ? 1 : 0;
+    m_fileSamples = m_maxBlockSize;
+    m_optimizedXStart = m_xStart;
+    put_Size(m_maxBlockSize);
+}
+
+CMeasurement::~CMeasurement() {
+    m_parameters.SetOwner(nullptr);
+    m_measurements.SetOwner(nullptr);
+    m_dataBlocks.SetOwner(nullptr);
+    m_signalRange.SetOwner(nullptr);
+    releaseDimensions();
+    if (m_fields) m_fields->Release();
+}
+
+IDispatch* CMeasurement::create() { return createMeasurement()->dispatch(); }
+
+CMeasurement* CMeasurement::createMeasurement() { return new CMeasurement; }
+
+CMeasurement* CMeasurement::from(IMeasurement* m) {
+    if (!m) return nullptr;
+    void* self = nullptr;
+    if (FAILED(m->QueryInterface(IID_CMeasurementImpl, &self))) return nullptr;
+    return static_cast<CMeasurement*>(self);
+}
+
+HRESULT CMeasurement::queryCompanion(REFIID riid, void** ppv) {
+    if (riid == IID_CMeasurementImpl) {
+        *ppv = this;
+        return S_OK;
+    }
+    return E_NOINTERFACE;
+}
+
+HRESULT CMeasurement::CheckRegistryMaxBlockSize() {
+    if (m_maxBlockSize > 0) return S_OK;
+    long value = std::atol(registry::readSetting("MaxBlockSize").value_or("32768").c_str());
+    m_maxBlockSize = value >= 1 ? static_cast<LONG>(value) : 32768;
+    return S_OK;
+}
+
+// Identity and naming.
+
+HRESULT CMeasurement::GenerateStaticUnicId(std::string& text) {
+    if (text.find(".UID.") != std::string::npos) return S_OK;
+    GUID g = generateGuid();
+    if (g == GUID_NULL) return E_FAIL;
+    char buf[150];
+    std::snprintf(buf, sizeof buf, "0x%08lX-0x%04X-0x%04x-0x%02X%02X-0x%02X%02X%02X%02X%02X%02X",
+                  static_cast<unsigned long>(g.Data1), g.Data2, g.Data3, g.Data4[0], g.Data4[1], g.Data4[2], g.Data4[3],
+                  g.Data4[4], g.Data4[5], g.Data4[6], g.Data4[7]);
+    text += ".UID.";
+    text += buf;
+    return S_OK;
+}
+
+HRESULT CMeasurement::get_Id(BSTR* v) {
+    if (!v) return E_POINTER;
+    if (m_id.empty()) GenerateStaticUnicId(m_id);
+    *v = allocBstrFromAnsi(m_id);
+    return *v ? S_OK : E_OUTOFMEMORY;
+}
+
+HRESULT CMeasurement::get_Name(BSTR* v) {
+    if (!v) return E_POINTER;
+    if (m_name.empty()) {
+        const std::u16string_view* type = measurementEnumTable().lookupString(m_functionType);
+        std::string name = type ? narrow(*type) : std::string();
+        name += "(" + m_response;
+        if (!isOneChannelFunction(m_functionType)) name += "," + m_reference;
+        name += ")";
+        m_name = name;
+    }
+    *v = allocBstrFromAnsi(m_name);
+    return *v ? S_OK : E_OUTOFMEMORY;
+}
+
+HRESULT CMeasurement::put_Name(BSTR v) { return setText(m_name, v); }
+
+HRESULT CMeasurement::get_Tag(BSTR* v) {
+    if (!v) return E_POINTER;
+    if (m_tag.empty()) return get_Id(v);
+    *v = allocBstrFromAnsi(m_tag);
+    return S_OK;
+}
+
+HRESULT CMeasurement::put_Tag(BSTR v) { return setText(m_tag, v); }
+
+// Modified and parent.
+
+HRESULT CMeasurement::get_Modified(SHORT* v) {
+    if (!v) return E_POINTER;
+    *v = static_cast<SHORT>(m_modified);
+    return S_OK;
+}
+
+HRESULT CMeasurement::put_Modified(SHORT v) {
+    m_modified = v;
+    if (v) UpdateParentModifiedFlag(v);
+    return S_OK;
+}
+
+HRESULT CMeasurement::UpdateParentModifiedFlag(SHORT flag) {
+    IDispatch* parent = m_parent.get();
+    if (!parent) return S_OK;
+    HRESULT h = putModifiedThroughFirst(parent, {IID_IWorkspace}, flag);
+    if (FAILED(h)) {
+        m_parent.clear();
+        m_linkName.clear();
+    }
+    return h;
+}
+
+HRESULT CMeasurement::get_Parent(IDispatch** v) {
+    if (!v) return E_POINTER;
+    *v = m_parent.get();
+    if (*v) (*v)->AddRef();
+    return S_OK;
+}
+
+namespace {
+
+// A master parent: its workspace's project says it is the master.
+bool IsMasterProjectParent(IDispatch* parent) {
+    DISPID id;
+    Variant workspace;
+    if (SUCCEEDED(latebound::memberId(parent, u"MeasShmLink", &id))) workspace = Variant::fromDispatch(parent);
+    else if (FAILED(latebound::get(parent, u"Parent", &workspace)) || workspace.vt != VT_DISPATCH) return false;
+    if (!workspace.pdispVal) return false;
+    Variant project, master;
+    if (FAILED(latebound::get(workspace.pdispVal, u"Parent", &project)) || project.vt != VT_DISPATCH || !project.pdispVal)
+        return false;
+    if (FAILED(latebound::get(project.pdispVal, u"Master", &master)) || FAILED(master.changeType(VT_BOOL))) return false;
+    return master.boolVal != 0;
+}
+
+}  // namespace
+
+HRESULT CMeasurement::put_Parent(IDispatch* v) {
+    IDispatch* old = m_parent.get();
+    if (!v || !old || !IsMasterProjectParent(old)) m_parent.set(v);
+    IDispatch* parent = m_parent.get();
+    if (parent && m_linkName.empty() && IsMasterProjectParent(parent)) {
+        Variant link;
+        if ((SUCCEEDED(latebound::get(parent, u"MeasShmLink", &link)) ||
+             SUCCEEDED(latebound::get(parent, u"ShmLink", &link))) &&
+            SUCCEEDED(link.changeType(VT_BSTR)))
+            m_linkName = bstrToAnsi(link.bstrVal).substr(0, 149);
+    }
+    // Sub-measurements follow: the first failure stops the walk.
+    Variant self = Variant::fromDispatch(dispatch());
+    for (std::size_t i = 0; i < m_measurements.size(); ++i)
+        if (FAILED(latebound::put(m_measurements.itemAt(i), u"Parent", self, true))) break;
+    return S_OK;
+}
+
+}  // namespace nvdl
