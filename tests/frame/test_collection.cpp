@@ -7,6 +7,7 @@
 
 #include "TestHelpers.h"
 #include "TestObjects.h"
+#include "TestSetup.h"
 #include "frame/ClassTable.h"
 #include "nvdl/IParameter.h"
 
@@ -263,6 +264,27 @@ TEST_F(Collection, RemovingAMeasurementWritesTheDiagnostic) {
     std::string line;
     std::getline(in, line);
     EXPECT_EQ(line, "cRef = 0");
+}
+
+// A setup's creator is normalised as it enters: trimmed, "Measure" when empty, and the kind of
+// analysis when one of its sections is active, post-processing before impact.
+TEST_F(Collection, SetupCreatorIsNormalised) {
+    use(CLSID_CSetup);
+    struct Case {
+        const char* creator;
+        SHORT postProcessing, impact;
+        const char* expected;
+    } cases[] = {
+        {"  Front end  ", 0, 0, "Front end"}, {"   ", 0, 0, "Measure"},    {"x", -1, 0, "Post Process"},
+        {"x", 0, -1, "Impact Wizard"},         {"x", -1, -1, "Post Process"}, {"x", 1, 1, "x"},
+    };
+    for (const Case& c : cases) {
+        CTestSetup* setup = CTestSetup::create(c.creator, c.postProcessing, c.impact);
+        Variant key, before, after;
+        ASSERT_EQ(items().Add(setup->dispatch(), &key, &before, &after, &lastIndex), S_OK);
+        EXPECT_EQ(setup->creator(), c.expected) << c.creator << " " << c.postProcessing << " " << c.impact;
+        setup->Release();
+    }
 }
 
 }  // namespace
