@@ -27,7 +27,7 @@ constexpr IID IID_CMeasurementImpl{0x7c1e2f90, 0x5a3b, 0x4d21, {0x8e, 0x44, 0x10
 
 }  // namespace
 
-CMeasurement::CMeasurement() : CObjectFrame(IID_IMeasurement) {
+CMeasurement::CMeasurement(bool sized) : CObjectFrame(IID_IMeasurement) {
     m_measurementTime = localNow();
     m_parameters.SetOwner(dispatch());
     m_parameters.SetItemClass(CLSID_CParameter);
@@ -36,12 +36,13 @@ CMeasurement::CMeasurement() : CObjectFrame(IID_IMeasurement) {
     m_dataBlocks.SetOwner(dispatch());
     m_dataBlocks.SetItemClass(CLSID_CDataBlock);
     m_signalRange.SetOwner(dispatch());
+    m_optimizedXStart = m_xStart;
+    if (!sized) return;  // a copy takes its block size and paging settings from its source
     m_maxBlockSize = 0;
     CheckRegistryMaxBlockSize();
     std::string longFile = registry::readSetting("LongFileFeature").value_or("0");
     m_longFileFeature = std::atol(longFile.c_str()) != 0 ? 1 : 0;
     m_fileSamples = m_maxBlockSize;
-    m_optimizedXStart = m_xStart;
     put_Size(m_maxBlockSize);
 }
 
@@ -57,6 +58,8 @@ CMeasurement::~CMeasurement() {
 IDispatch* CMeasurement::create() { return createMeasurement()->dispatch(); }
 
 CMeasurement* CMeasurement::createMeasurement() { return new CMeasurement; }
+
+CMeasurement* CMeasurement::createForCopy() { return new CMeasurement(false); }
 
 CMeasurement* CMeasurement::from(IMeasurement* m) {
     if (!m) return nullptr;

@@ -39,6 +39,8 @@ class CMeasurement final : public CObjectFrame<IMeasurement> {
 public:
     static IDispatch* create();
     static CMeasurement* createMeasurement();
+    // A measurement without samples, to be filled by a copy (the copy constructor's start).
+    static CMeasurement* createForCopy();
     // The measurement behind an interface of this server, or null.
     static CMeasurement* from(IMeasurement* m);
 
@@ -248,7 +250,8 @@ public:
     bool isComplex() const { return m_complex != 0; }
 
 private:
-    CMeasurement();
+    // `sized`: the default constructor's last act, put_Size(MaxBlockSize); a copy starts without samples.
+    explicit CMeasurement(bool sized = true);
     ~CMeasurement() override;
 
     HRESULT queryCompanion(REFIID riid, void** ppv) override;
@@ -273,6 +276,7 @@ private:
     bool userUnitScale(IDispatch* dimension, const std::string& storageUnit, double& scale, double& offset) const;
 
     friend class MeasurementRecordReader;
+    friend class OperatorFrame;  // the signal operators: vectors in and out of the kernel
 
     LONG m_formatVersion = -1;
     LONG m_reservedLong = -1;
