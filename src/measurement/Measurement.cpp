@@ -5,6 +5,7 @@
 
 #include "frame/ClassTable.h"
 #include "frame/LateBound.h"
+#include "measurement/MeasurementBlockWriter.h"
 #include "platform/CodePage.h"
 #include "platform/DebugTrace.h"
 #include "platform/Registry.h"
@@ -71,6 +72,10 @@ CMeasurement* CMeasurement::from(IMeasurement* m) {
 HRESULT CMeasurement::queryCompanion(REFIID riid, void** ppv) {
     if (riid == IID_CMeasurementImpl) {
         *ppv = this;
+        return S_OK;
+    }
+    if (riid == IID_IMeasurementBlockWriter) {
+        *ppv = static_cast<IMeasurementBlockWriter*>(CMeasurementBlockWriter::create());
         return S_OK;
     }
     return E_NOINTERFACE;

@@ -10,6 +10,8 @@
 #include "frame/ObjectCollection.h"
 #include "frame/ObjectFrame.h"
 #include "measurement/Field.h"
+#include "measurement/MeasurementDataStream.h"
+#include "measurement/MeasurementLog.h"
 #include "measurement/SignalRange.h"
 #include "nvdl/IMeasurement.h"
 
@@ -244,6 +246,18 @@ public:
     LONG GetDataIndex(LONG index) const;
     LONG GetBlockNumber(LONG index) const;
 
+    // Paging of long records through the backing stream.
+    // Brings the span into memory from `stream`, the measurement's own stream or a recording file.
+    HRESULT InternalReadData(LONG start, LONG count, IStream* stream);
+    HRESULT InternalReadFormat(LONG start, LONG count, IStream* stream);
+    HRESULT ExternalReadFormat(LONG start, LONG count);
+    // Appends the minimum, then the maximum, of n samples to out at position, and moves position by two.
+    static HRESULT ComputeMinMax(const float* in, LONG n, float* out, LONG outSize, LONG& position);
+    // The backing stream with one reference for the caller, or null; CloseDataStream releases the chain.
+    IStream* GetDataStream();
+    void CloseDataStream();
+    CMeasurementLog& log() { return m_log; }
+
     const std::vector<float>& yReal() const { return m_yReal; }
     const std::vector<float>& yImag() const { return m_yImag; }
     const std::vector<float>& xValues() const { return m_x; }
@@ -265,6 +279,9 @@ private:
         return put_Modified(VARIANT_TRUE);
     }
     HRESULT CanEditData() const { return m_isUncompleted ? E_FAIL : S_OK; }
+    // New vectors of m floats for the vectors the record has, keeping what fits of the old ones.
+    HRESULT resizeBlock(LONG m);
+    void blockCopyRange(LONG start, LONG count, LONG& k, LONG& m) const;
     HRESULT copyEngine(CMeasurement& target, bool headerOnly);
     HRESULT sampleAt(const std::vector<float>& vector, LONG index, float* value);
     HRESULT sectionArray(const std::vector<float>& vector, LONG first, VARIANT* value) const;
@@ -276,6 +293,7 @@ private:
     bool userUnitScale(IDispatch* dimension, const std::string& storageUnit, double& scale, double& offset) const;
 
     friend class MeasurementRecordReader;
+    friend class CMeasurementBlockWriter;  // a template record's paging block
     friend class OperatorFrame;  // the signal operators: vectors in and out of the kernel
 
     LONG m_formatVersion = -1;
@@ -342,6 +360,8 @@ private:
     GUID m_clsidLoader{};
     std::string m_channelFileID;
     std::string m_measShmLink;
+    MeasurementDataStream m_dataStream;
+    CMeasurementLog m_log;
 };
 
 }  // namespace nvdl

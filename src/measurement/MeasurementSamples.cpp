@@ -8,11 +8,6 @@ namespace nvdl {
 
 namespace {
 
-// Resizes a vector that exists, keeping what fits and zeroing the rest.
-void resizeKept(std::vector<float>& v, std::size_t n) {
-    if (!v.empty()) v.resize(n, 0.0f);
-}
-
 HRESULT giveArray(const std::vector<float>& values, std::size_t count, VARIANT* v) {
     if (!v) return E_POINTER;
     VariantClear(v);
@@ -46,12 +41,42 @@ HRESULT CMeasurement::get_Size(LONG* v) {
     return S_OK;
 }
 
+HRESULT CMeasurement::resizeBlock(LONG m) {
+    if (m < 1) {
+        m_yReal = {};
+        m_yImag = {};
+        m_x = {};
+        m_size = 0;
+        return S_OK;
+    }
+    const std::size_t n = static_cast<std::size_t>(m);
+    // Fresh vectors, so that a record shrinking to one block gives its memory back.
+    auto kept = [n](const std::vector<float>& old, std::vector<float>& fresh) {
+        fresh.assign(n, 0.0f);
+        std::copy_n(old.begin(), std::min(n, old.size()), fresh.begin());
+    };
+    try {
+        std::vector<float> re, im, x;
+        kept(m_yReal, re);
+        if (m_complex) kept(m_yImag, im);
+        if (axisHasXVector(m_xAxisType)) kept(m_x, x);
+        m_yReal.swap(re);
+        m_yImag.swap(im);
+        m_x.swap(x);
+    } catch (const std::bad_alloc&) {
+        m_yReal = {};
+        m_yImag = {};
+        m_x = {};
+        m_size = 0;
+        return E_OUTOFMEMORY;
+    }
+    m_size = m;
+    return S_OK;
+}
+
 HRESULT CMeasurement::put_Size(LONG samples) {
     if (samples < 0) {
-        m_yReal.clear();
-        m_yImag.clear();
-        m_x.clear();
-        m_size = 0;
+        resizeBlock(0);
         return E_INVALIDARG;
     }
     if (!m_longFileFeature) {
@@ -59,28 +84,7 @@ HRESULT CMeasurement::put_Size(LONG samples) {
         CheckRegistryMaxBlockSize();
         m_fileSamples = samples;
     }
-    LONG m = std::min(samples, m_maxBlockSize);
-    if (m < 1) {
-        m_yReal.clear();
-        m_yImag.clear();
-        m_x.clear();
-        m_size = 0;
-    } else {
-        try {
-            std::size_t n = static_cast<std::size_t>(m);
-            if (m_yReal.empty()) m_yReal.assign(n, 0.0f);
-            else resizeKept(m_yReal, n);
-            if (m_complex) m_yImag.resize(n, 0.0f);
-            if (axisHasXVector(m_xAxisType)) m_x.resize(n, 0.0f);
-        } catch (const std::bad_alloc&) {
-            m_yReal.clear();
-            m_yImag.clear();
-            m_x.clear();
-            m_size = 0;
-            return E_OUTOFMEMORY;
-        }
-        m_size = m;
-    }
+    if (HRESULT h = resizeBlock(std::min(samples, m_maxBlockSize)); FAILED(h)) return h;
     m_fileSamples = samples;
     put_Modified(VARIANT_TRUE);
     if (m_fileSamples < m_maxBlockSize) {
@@ -127,12 +131,6 @@ LONG CMeasurement::GetDataIndex(LONG index) const {
             result = static_cast<LONG>(index - m_blockStartOffset - blockStart);
     }
     return result;
-}
-
-// Data in memory needs no paging; a measurement attached to a backing stream pages through it.
-HRESULT CMeasurement::ReadData(LONG start, LONG count) {
-    if (m_locationFile.empty() && m_clsidLoader == GUID_NULL) return start >= 0 && count >= 0 ? S_OK : E_INVALIDARG;
-    return E_NOTIMPL;
 }
 
 HRESULT CMeasurement::sampleAt(const std::vector<float>& vector, LONG index, float* value) {
@@ -293,41 +291,59 @@ HRESULT CMeasurement::YArray(VARIANT* re, LONG size, VARIANT* im, BSTR dimension
     return put_Modified(VARIANT_TRUE);
 }
 
+namespace {
+
+// Block copy into a vector, as far as the vector reaches.
+void copyIn(const float* from, LONG start, LONG count, std::vector<float>& to) {
+    if (!from || count <= 0 || static_cast<std::size_t>(start) >= to.size()) return;
+    std::size_t n = std::min(static_cast<std::size_t>(count), to.size() - static_cast<std::size_t>(start));
+    std::copy_n(from, n, to.begin() + start);
+}
+
+}  // namespace
+
 HRESULT CMeasurement::SetYValues(LONG start, LONG count, const float* re, const float* im) {
     start = std::max<LONG>(start, 0);
     count = std::min<LONG>(count, m_size - start);
-    if (count > 0) {
-        if (re && !m_yReal.empty()) std::copy_n(re, count, m_yReal.begin() + start);
-        if (im && m_complex && !m_yImag.empty()) std::copy_n(im, count, m_yImag.begin() + start);
-    }
+    copyIn(re, start, count, m_yReal);
+    if (m_complex) copyIn(im, start, count, m_yImag);
     GenerateOptimizedArray();
     return S_OK;
 }
 
 namespace {
 
-// The span of `count` elements from `start` that a block copy reads out of a vector of `size`.
+// Block copy out of a vector: `count` elements of the output are zeroed, then m elements from k are
+// copied in, as far as the vector reaches.
 void copyOut(const std::vector<float>& from, LONG k, LONG m, LONG count, float* to) {
     if (!to || count <= 0) return;
     std::fill_n(to, count, 0.0f);
-    if (m <= 0 || from.empty()) return;
+    if (m <= 0 || k < 0 || static_cast<std::size_t>(k) >= from.size()) return;
     std::size_t first = static_cast<std::size_t>(k);
-    std::size_t n = std::min(static_cast<std::size_t>(m), from.size() > first ? from.size() - first : 0);
+    std::size_t n = std::min({static_cast<std::size_t>(m), static_cast<std::size_t>(count), from.size() - first});
     std::copy_n(from.begin() + static_cast<std::ptrdiff_t>(first), n, to);
 }
 
 }  // namespace
 
-HRESULT CMeasurement::GetYValues(LONG start, LONG count, float* re, float* im) {
-    LONG k = start;
-    if (k >= m_size && m_currentBlock > 0) k -= (m_currentBlock - 1) * m_size;
-    k = std::max<LONG>(k, 0);
-    LONG m = std::min<LONG>(count, m_size - k);
-    if (m < count && m_isUncompleted && static_cast<long long>(start) + count <= m_fileSamples) {
-        k = 0;
-        m = std::min(count, m_size);
+// The element range of a block copy: a start past the block in memory is taken relative to the current
+// block, and a span of an incomplete record that the block cannot hold is served from the block's start.
+void CMeasurement::blockCopyRange(LONG start, LONG count, LONG& k, LONG& m) const {
+    long long first = start;
+    if (first >= m_size && m_currentBlock > 0) first -= static_cast<long long>(m_currentBlock - 1) * m_size;
+    first = std::max(first, 0LL);
+    long long n = std::min<long long>(count, m_size - first);
+    if (n < count && m_isUncompleted && static_cast<long long>(start) + count <= m_fileSamples) {
+        first = 0;
+        n = count;
     }
-    m = std::max<LONG>(m, 0);
+    k = static_cast<LONG>(std::min<long long>(first, m_size));
+    m = static_cast<LONG>(std::max(n, 0LL));
+}
+
+HRESULT CMeasurement::GetYValues(LONG start, LONG count, float* re, float* im) {
+    LONG k = 0, m = 0;
+    blockCopyRange(start, count, k, m);
     LoadFromDisk();
     copyOut(m_yReal, k, m, count, re);
     if (m_complex) copyOut(m_yImag, k, m, count, im);
@@ -337,14 +353,15 @@ HRESULT CMeasurement::GetYValues(LONG start, LONG count, float* re, float* im) {
 HRESULT CMeasurement::SetXValues(LONG start, LONG count, const float* x) {
     start = std::max<LONG>(start, 0);
     count = std::min<LONG>(count, m_size - start);
-    if (count > 0 && x && !m_x.empty()) std::copy_n(x, count, m_x.begin() + start);
+    copyIn(x, start, count, m_x);
     GenerateOptimizedArray();
     return S_OK;
 }
 
 HRESULT CMeasurement::GetXValues(LONG start, LONG count, float* x) {
-    LONG k = std::max<LONG>(start, 0);
-    LONG m = std::max<LONG>(std::min<LONG>(count, m_size - k), 0);
+    LONG k = 0, m = 0;
+    blockCopyRange(start, count, k, m);
+    LoadFromDisk();
     copyOut(m_x, k, m, count, x);
     return S_OK;
 }
