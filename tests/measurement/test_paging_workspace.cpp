@@ -1,0 +1,177 @@
+// A long record stored in a workspace file is paged back: block spans sample-exact, the whole
+// record as a min/max overview, and the memory of an overview read bounded by the block.
+#include <cstring>
+
+#include "PagingFixture.h"
+#include "measurement/MeasurementBlockWriter.h"
+#include "platform/Bstr.h"
+#include "platform/MemoryStream.h"
+#include "platform/Storage.h"
+
+using namespace nvdl;
+using namespace nvdl::test;
+
+namespace {
+
+constexpr LONG kBlock = 32768;
+
+// Writes `blocks` blocks of `blockSize` generated samples through a measurement's block writer.
+void writeRecord(IStorage* storage, const char16_t* name, LONG blocks, LONG blockSize) {
+    CMeasurement* source = CMeasurement::createMeasurement();
+    IMeasurementBlockWriter* writer = nullptr;
+    ASSERT_EQ(source->QueryInterface(IID_IMeasurementBlockWriter, reinterpret_cast<void**>(&writer)), S_OK);
+    Bstr streamName{std::u16string_view{name}};
+    ASSERT_EQ(writer->Create(storage, streamName.get()), S_OK);
+    Bstr xUnit{std::string_view{"s"}}, yUnit{std::string_view{"Pa"}}, none{std::string_view{}};
+    ASSERT_EQ(writer->BeginTimeRecord(blocks, blockSize, 1000.0, 0.0f, xUnit.get(), yUnit.get(), none.get(), none.get(),
+                                      0.0, 0.0, nullptr),
+              S_OK);
+    std::vector<float> block(static_cast<std::size_t>(blockSize));
+    for (LONG b = 0; b < blocks; ++b) {
+        for (LONG i = 0; i < blockSize; ++i) block[static_cast<std::size_t>(i)] = sampleValue(static_cast<std::int64_t>(b) * blockSize + i);
+        ASSERT_EQ(writer->WriteBlock(block.data(), blockSize, 0), S_OK);
+    }
+    ASSERT_EQ(writer->Finish(nullptr), S_OK);
+    writer->Close();
+    writer->Release();
+    source->Release();
+}
+
+long residentKiB() {
+    std::ifstream status("/proc/self/status");
+    std::string line;
+    while (std::getline(status, line))
+        if (line.rfind("VmRSS:", 0) == 0) return std::atol(line.c_str() + 6);
+    return -1;
+}
+
+class PagingWorkspace : public PagingSettings {};
+
+TEST_F(PagingWorkspace, TenMillionSamplesPageBackFromTheWorkspaceFile) {
+    useSettings(kBlock);
+    const std::filesystem::path file = dir_ / "long.wkd";
+    constexpr LONG kSamples = 10'000'000;
+    {
+        IStorage *root = nullptr, *workspace = nullptr, *blocks = nullptr;
+        ASSERT_EQ(createCompoundFile(file, STGM_CREATE | STGM_READWRITE, &root), S_OK);
+        ASSERT_EQ(root->CreateStorage(u"Workspace", 0x1011, 0, 0, &workspace), S_OK);
+        ASSERT_EQ(workspace->CreateStorage(u"Blocks", 0x1011, 0, 0, &blocks), S_OK);
+        writeRecord(blocks, u"Meas0", 1000, 10000);
+        blocks->Release();
+        workspace->Release();
+        ASSERT_EQ(root->Commit(STGC_DEFAULT), S_OK);
+        root->Release();
+    }
+
+    IStorage *root = nullptr, *workspace = nullptr, *blocks = nullptr;
+    IStream* stream = nullptr;
+    ASSERT_EQ(openCompoundFile(file, STGM_READ, &root), S_OK);
+    ASSERT_EQ(root->OpenStorage(u"Workspace", nullptr, 0x10010, nullptr, 0, &workspace), S_OK);
+    ASSERT_EQ(workspace->OpenStorage(u"Blocks", nullptr, 0x10010, nullptr, 0, &blocks), S_OK);
+    ASSERT_EQ(blocks->OpenStream(u"Meas0", nullptr, 0x10, 0, &stream), S_OK);
+    CMeasurement* m = CMeasurement::createMeasurement();
+    Bstr path{std::string_view{file.string()}}, empty{std::string_view{}}, name{std::string_view{"Meas0"}};
+    ASSERT_EQ(m->Location(path.get(), 0, empty.get(), name.get(), CMeasurementBlockWriter::kTag), S_OK);
+    ASSERT_EQ(loadRecord(m, stream), S_OK);
+    stream->Release();
+    blocks->Release();
+    workspace->Release();
+    root->Release();
+
+    LONG size = 0, fileSamples = 0;
+    SHORT uncompleted = 0, useful = 0;
+    m->get_Size(&size);
+    m->get_FileSamples(&fileSamples);
+    m->get_IsUncompleted(&uncompleted);
+    EXPECT_EQ(size, kBlock);
+    EXPECT_EQ(fileSamples, kSamples);
+    EXPECT_NE(uncompleted, 0);
+
+    // A span inside a block, from the file itself: every sample as stored.
+    const LONG spanStart = 5 * kBlock + 100;
+    ASSERT_EQ(m->ReadData(spanStart, 1000), S_OK);
+    m->get_IsUsefullData(&useful);
+    EXPECT_NE(useful, 0);
+    for (LONG i = spanStart; i < spanStart + 1000; ++i) {
+        float v = 0;
+        ASSERT_EQ(m->get_YReal(i, &v), S_OK) << i;
+        ASSERT_EQ(v, sampleValue(i)) << i;
+    }
+    // A whole block read from its first sample comes out of the block copy unchanged.
+    ASSERT_EQ(m->ReadData(7 * kBlock, kBlock), S_OK);
+    std::vector<float> copied(kBlock);
+    ASSERT_EQ(m->GetYValues(7 * kBlock, kBlock, copied.data(), nullptr), S_OK);
+    for (LONG i = 0; i < kBlock; ++i) ASSERT_EQ(copied[static_cast<std::size_t>(i)], sampleValue(7 * kBlock + i)) << i;
+
+    // The whole record: a min/max envelope of chunks of n / (B / 2) samples in one block.
+    ASSERT_EQ(m->ReadData(0, kSamples), S_OK);
+    float factor = 0;
+    m->get_CompressionFactor(&factor);
+    m->get_IsUsefullData(&useful);
+    EXPECT_EQ(useful, 0);
+    EXPECT_FLOAT_EQ(factor, static_cast<float>(static_cast<double>(kSamples) / kBlock));
+    std::vector<float> expected = expectedEnvelope(kBlock / 2, kSamples / (kBlock / 2));
+    std::vector<float> picture(kBlock);
+    ASSERT_EQ(m->ReadYRealArray(picture.data(), kBlock, 0), S_OK);
+    EXPECT_EQ(picture, expected);
+    m->Release();
+}
+
+TEST_F(PagingWorkspace, OverviewOfA400MegabyteRecordStaysWithinItsBlock) {
+    useSettings(kBlock);
+    constexpr LONG kBlocks = 10000, kBlockSamples = 10000;
+    constexpr LONG kSamples = kBlocks * kBlockSamples;  // 400 MB of samples
+    // The header alone, as the block writer makes it; the samples are generated behind it.
+    std::vector<std::uint8_t> header;
+    {
+        IStorage* root = nullptr;
+        ASSERT_EQ(createCompoundFile(dir_ / "header.cfb", STGM_CREATE | STGM_READWRITE, &root), S_OK);
+        CMeasurement* source = CMeasurement::createMeasurement();
+        IMeasurementBlockWriter* writer = nullptr;
+        ASSERT_EQ(source->QueryInterface(IID_IMeasurementBlockWriter, reinterpret_cast<void**>(&writer)), S_OK);
+        Bstr streamName{std::string_view{"Meas0"}}, none{std::string_view{}};
+        ASSERT_EQ(writer->Create(root, streamName.get()), S_OK);
+        ASSERT_EQ(writer->BeginTimeRecord(kBlocks, kBlockSamples, 1000.0, 0.0f, none.get(), none.get(), none.get(),
+                                          none.get(), 0.0, 0.0, nullptr),
+                  S_OK);
+        writer->Close();
+        writer->Release();
+        source->Release();
+        IStream* stream = nullptr;
+        ASSERT_EQ(root->OpenStream(u"Meas0", nullptr, 0x10, 0, &stream), S_OK);
+        header.resize(920);
+        ULONG got = 0;
+        ASSERT_EQ(stream->Read(header.data(), 920, &got), S_OK);
+        ASSERT_EQ(got, 920u);
+        stream->Release();
+        root->Release();
+    }
+    GeneratedStream stream(header, kSamples);
+    CMeasurement* m = CMeasurement::createMeasurement();
+    ASSERT_EQ(loadRecord(m, &stream), S_OK);
+    LONG fileSamples = 0;
+    m->get_FileSamples(&fileSamples);
+    ASSERT_EQ(fileSamples, kSamples);
+
+    const long before = residentKiB();
+    ASSERT_GT(before, 0);
+    ASSERT_EQ(m->InternalReadData(0, kSamples, &stream), S_OK);
+    const long grown = residentKiB() - before;
+    EXPECT_LT(grown, 16 * 1024) << "resident memory grew by " << grown << " KiB";
+
+    const std::int64_t chunkSize = kSamples / (kBlock / 2);
+    EXPECT_GE(stream.bytesRead(), static_cast<std::uint64_t>(chunkSize) * (kBlock / 2) * 4);
+    EXPECT_LE(stream.largestRead(), 1u << 20) << "the stream is read through a bounded buffer";
+    float factor = 0;
+    m->get_CompressionFactor(&factor);
+    EXPECT_FLOAT_EQ(factor, static_cast<float>(static_cast<double>(kSamples) / kBlock));
+    // Spot checks of the picture: the first and the last chunk.
+    std::vector<float> picture(kBlock);
+    ASSERT_EQ(m->ReadYRealArray(picture.data(), kBlock, 0), S_OK);
+    std::vector<float> first = expectedEnvelope(1, chunkSize);
+    EXPECT_EQ(picture[0], first[0]);
+    EXPECT_EQ(picture[1], first[1]);
+    m->Release();
+}
+
+}  // namespace
