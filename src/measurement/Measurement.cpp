@@ -78,6 +78,7 @@ HRESULT CMeasurement::queryCompanion(REFIID riid, void** ppv) {
         *ppv = static_cast<IMeasurementBlockWriter*>(CMeasurementBlockWriter::create());
         return S_OK;
     }
+    if (HRESULT h = m_persistHelpers.query(riid, ppv); h != E_NOINTERFACE) return h;
     return E_NOINTERFACE;
 }
 

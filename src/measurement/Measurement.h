@@ -12,6 +12,7 @@
 #include "measurement/Field.h"
 #include "measurement/MeasurementDataStream.h"
 #include "measurement/MeasurementLog.h"
+#include "measurement/MeasurementPersistHelpers.h"
 #include "measurement/SignalRange.h"
 #include "nvdl/IMeasurement.h"
 
@@ -294,6 +295,7 @@ private:
 
     friend class MeasurementRecordReader;
     friend class CMeasurementBlockWriter;  // a template record's paging block
+    friend struct MeasurementStreamFormat;  // the stored record: paging and location fields
     friend class OperatorFrame;  // the signal operators: vectors in and out of the kernel
 
     LONG m_formatVersion = -1;
@@ -360,6 +362,7 @@ private:
     GUID m_clsidLoader{};
     std::string m_channelFileID;
     std::string m_measShmLink;
+    MeasurementPersistHelpers m_persistHelpers{*this};
     MeasurementDataStream m_dataStream;
     CMeasurementLog m_log;
 };

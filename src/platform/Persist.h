@@ -23,3 +23,21 @@ struct IPersistStream : IPersist {
 protected:
     ~IPersistStream() = default;
 };
+
+struct IStorage;
+
+inline constexpr IID IID_IPersistStorage{0x0000010A, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+
+struct IPersistStorage : IPersist {
+    // S_OK when there are unsaved changes, S_FALSE otherwise.
+    virtual HRESULT IsDirty() = 0;
+    virtual HRESULT InitNew(IStorage* storage) = 0;
+    virtual HRESULT Load(IStorage* storage) = 0;
+    // `sameStorage` is non-zero when the storage is the one the object was loaded from.
+    virtual HRESULT Save(IStorage* storage, int sameStorage) = 0;
+    virtual HRESULT SaveCompleted(IStorage* storage) = 0;
+    virtual HRESULT HandsOffStorage() = 0;
+
+protected:
+    ~IPersistStorage() = default;
+};

@@ -1,0 +1,120 @@
+// Shared by the persistence tests: measurements, their texts, and stored records built byte by byte.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "../frame/TestHelpers.h"
+#include "frame/ClassTable.h"
+#include "measurement/Measurement.h"
+#include "measurement/MeasurementPersistHelpers.h"
+#include "platform/LittleEndian.h"
+#include "platform/MemoryStream.h"
+#include "platform/SafeArray.h"
+#include "project/UnitClient.h"
+
+namespace nvdl::test {
+
+inline IMeasurement* newMeasurement() {
+    IDispatch* object = nullptr;
+    EXPECT_EQ(createInstance(CLSID_CMeasurement, &object), S_OK);
+    return static_cast<IMeasurement*>(object);
+}
+
+template <class Persist = IPersistStream>
+Persist* persistOf(IMeasurement* m, const IID& iid) {
+    Persist* p = nullptr;
+    EXPECT_EQ(m->QueryInterface(iid, reinterpret_cast<void**>(&p)), S_OK);
+    return p;
+}
+
+// Loads stored bytes through the helper of `iid` into a new measurement.
+inline HRESULT loadBytes(const std::vector<std::uint8_t>& bytes, const IID& iid, IMeasurement** into) {
+    *into = newMeasurement();
+    IPersistStream* persist = persistOf(*into, iid);
+    MemoryStream* stream = MemoryStream::create(bytes);
+    HRESULT h = persist->Load(stream);
+    stream->Release();
+    persist->Release();
+    return h;
+}
+
+inline std::string text(IMeasurement* m, HRESULT (IMeasurement::*get)(BSTR*)) {
+    Bstr s;
+    EXPECT_EQ((m->*get)(s.out()), S_OK);
+    return s.ansi();
+}
+
+inline LONG code(IMeasurement* m, HRESULT (IMeasurement::*get)(VARIANT*)) {
+    Variant v;
+    EXPECT_EQ((m->*get)(&v), S_OK);
+    EXPECT_EQ(v.changeType(VT_I4), S_OK);
+    return v.lVal;
+}
+
+template <class T>
+T value(IMeasurement* m, HRESULT (IMeasurement::*get)(T*)) {
+    T v{};
+    EXPECT_EQ((m->*get)(&v), S_OK);
+    return v;
+}
+
+inline std::vector<float> floats(IMeasurement* m, HRESULT (IMeasurement::*get)(VARIANT*)) {
+    Variant v;
+    (m->*get)(&v);
+    if (v.vt != (VT_ARRAY | VT_R4)) return {};
+    std::span<float> data = floatArrayData(v.parray);
+    return {data.begin(), data.end()};
+}
+
+inline std::vector<std::string> parameters(IMeasurement* m) {
+    std::vector<std::string> pairs;
+    CMeasurement* c = CMeasurement::from(m);
+    ICollection* collection = nullptr;
+    c->get_Parameters(&collection);
+    LONG count = 0;
+    collection->get_Count(&count);
+    for (LONG i = 0; i < count; ++i) {
+        IDispatch* item = nullptr;
+        if (FAILED(collection->Item(Variant::fromLong(i), &item)) || !item) continue;
+        pairs.push_back(getText(item, u"Name") + "=" + getText(item, u"Value"));
+        item->Release();
+    }
+    collection->Release();
+    return pairs;
+}
+
+// The units table index of a dimension named by one of its units or its name.
+inline LONG dimensionIndexOf(const char* text) {
+    IDimension* d = DimensionFromText(text, false);
+    LONG index = DimensionTableIndex(d);
+    if (d) d->Release();
+    return index;
+}
+
+// A stored record built field by field.
+struct ByteRecord {
+    std::vector<std::uint8_t> bytes;
+    explicit ByteRecord(std::size_t size) : bytes(size, 0) {}
+    void text(std::size_t at, std::size_t size, const std::string& s) { le::putText(&bytes[at], size, s); }
+    void i16(std::size_t at, std::int16_t v) { le::put16(&bytes[at], static_cast<std::uint16_t>(v)); }
+    void i32(std::size_t at, std::int32_t v) { le::put32(&bytes[at], static_cast<std::uint32_t>(v)); }
+    void f32(std::size_t at, float v) { le::putF32(&bytes[at], v); }
+    void f64(std::size_t at, double v) { le::putF64(&bytes[at], v); }
+    void append(const std::string& s, bool zeroEnded = true) {
+        bytes.insert(bytes.end(), s.begin(), s.end());
+        if (zeroEnded) bytes.push_back(0);
+    }
+    void appendFloats(const std::vector<float>& values) {
+        for (float v : values) {
+            std::uint8_t b[4];
+            le::putF32(b, v);
+            bytes.insert(bytes.end(), b, b + 4);
+        }
+    }
+    void appendBlock(std::size_t size) { bytes.resize(bytes.size() + size, 0); }
+};
+
+}  // namespace nvdl::test
