@@ -1,6 +1,6 @@
 // The vectors of a stored record longer than one block stay in the stream: the reader has already
-// put their position in DataOffset, and the first block is to be paged in from `stream` by the
-// measurement's block reading.
+// put their position in DataOffset, and only the first block is paged in, from the stream being
+// read or from the measurement's backing stream when it has one.
 #include "measurement/Measurement.h"
 #include "measurement/MeasurementStreamFormat.h"
 

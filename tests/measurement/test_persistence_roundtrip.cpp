@@ -6,11 +6,14 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "PagingFixture.h"
 #include "PersistenceTestSupport.h"
 #include "platform/Storage.h"
 
 namespace nvdl::test {
 namespace {
+
+using I = IMeasurement;
 
 const std::string kLongUserId(120, 'u');
 
@@ -240,6 +243,50 @@ TEST(MeasurementPersistence, TheWriterPutsEachFieldAtItsOffset) {
     const std::string pairs(reinterpret_cast<const char*>(data + 60), b.size() - 1692 - 60);
     EXPECT_EQ(pairs, std::string("Gain\0" "20 dB\0" "Operator\0" "\0" "Note\0" "second run\0", 37));
     m->Release();
+}
+
+class MeasurementPersistencePaging : public PagingSettings {};
+
+TEST_F(MeasurementPersistencePaging, ALongRecordPagesInItsFirstBlockOnly) {
+    useSettings(4);
+    IMeasurement* original = newMeasurement();
+    std::vector<float> re(10), im(10);
+    for (std::size_t i = 0; i < re.size(); ++i) {
+        re[i] = static_cast<float>(i);
+        im[i] = -static_cast<float>(i);
+    }
+    Variant reArray, imArray;
+    reArray.vt = imArray.vt = VT_ARRAY | VT_R4;
+    reArray.parray = makeFloatArray(re);
+    imArray.parray = makeFloatArray(im);
+    ASSERT_EQ(original->YArray(&reArray, 10, &imArray, nullptr), S_OK);
+    addParameter(original, "Gain", "6");
+    std::vector<std::uint8_t> bytes = saveToBytes(original);
+    ASSERT_EQ(le::i32(&bytes[328]), 10);
+
+    IMeasurement* loaded = nullptr;
+    ASSERT_EQ(loadBytes(bytes, IID_IPersistStream, &loaded), S_OK);
+    EXPECT_EQ(value(loaded, &I::get_Size), 4);
+    EXPECT_EQ(value(loaded, &I::get_FileSamples), 10);
+    EXPECT_EQ(value(loaded, &I::get_IsUncompleted), -1);
+    EXPECT_EQ(floats(loaded, &I::get_YRealArray), (std::vector<float>{0.0f, 1.0f, 2.0f, 3.0f}));
+    EXPECT_EQ(floats(loaded, &I::get_YImagArray), (std::vector<float>{0.0f, -1.0f, -2.0f, -3.0f}));
+    EXPECT_EQ(parameters(loaded), (std::vector<std::string>{"Gain=6"}));
+    loaded->Release();
+
+    // A stream too short for the block falls back to the whole stored record in memory.
+    ByteRecord cut(0);
+    cut.bytes.assign(bytes.begin(), bytes.begin() + 1692 + 80);
+    le::put32(&cut.bytes[328], 2);
+    le::put32(&cut.bytes[840], 0);
+    le::put32(&cut.bytes[920 + 636], 1000);
+    ASSERT_EQ(loadBytes(cut.bytes, IID_IPersistStream, &loaded), S_OK);
+    EXPECT_EQ(value(loaded, &I::get_Size), 2);
+    EXPECT_EQ(value(loaded, &I::get_FileSamples), 2);
+    EXPECT_EQ(value(loaded, &I::get_IsUncompleted), 0);
+    EXPECT_EQ(floats(loaded, &I::get_YRealArray), (std::vector<float>{0.0f, 1.0f}));
+    loaded->Release();
+    original->Release();
 }
 
 TEST(MeasurementPersistence, HelpersAnswerForTheirMeasurement) {
