@@ -21,6 +21,7 @@ struct OwnedVector {
         std::free(v.imag);
     }
     daVector* out() { return &v; }
+    float operator[](long i) const { return v.real[i]; }
     std::vector<float> real() const { return std::vector<float>(v.real, v.real + v.length); }
     std::vector<float> imag() const { return std::vector<float>(v.imag, v.imag + v.length); }
 };

@@ -9,45 +9,15 @@
 
 #include <gtest/gtest.h>
 
+#include "KernelVector.h"
 #include "nvdl/daSignal.h"
 
 namespace signaltest {
 
-// An output record that frees whatever the kernel left in it.
-struct OwnedVector {
-    daVector v{nullptr, nullptr, 0};
-    OwnedVector() = default;
-    OwnedVector(const OwnedVector&) = delete;
-    OwnedVector& operator=(const OwnedVector&) = delete;
-    ~OwnedVector()
-    {
-        std::free(v.real);
-        std::free(v.imag);
-    }
-    daVector* out() { return &v; }
-    float operator[](long i) const { return v.real[i]; }
-    std::vector<float> real() const { return {v.real, v.real + v.length}; }
-};
-
-inline daVector view(std::vector<float>& real) { return {real.data(), nullptr, static_cast<long>(real.size())}; }
-inline daVector view(std::vector<float>& real, std::vector<float>& imag)
-{
-    return {real.data(), imag.data(), static_cast<long>(real.size())};
-}
-
-inline std::string lastError()
-{
-    char text[1000];
-    daGetError(text, sizeof text);
-    return text;
-}
-
-inline int errorFlag()
-{
-    int flag = -1;
-    daGetErrorFlag(&flag);
-    return flag;
-}
+using nvdl::test::errorFlag;
+using nvdl::test::lastError;
+using nvdl::test::OwnedVector;
+using nvdl::test::view;
 
 // One rejected call: what it returns and the message it leaves, up to its "{unit,line}" tail.
 struct FailureCase {
