@@ -339,20 +339,5 @@ TEST(MeasurementPersistence, HelpersAnswerForTheirMeasurement) {
     m->Release();
 }
 
-TEST(MeasurementPersistence, TagsMapToGenerationsAndIdentities) {
-    struct Row {
-        LONG tag;
-        int generation;
-    };
-    for (Row r : std::initializer_list<Row>{{19951107, 1}, {19951205, 1}, {19951206, 2}, {19960905, 2}, {19970312, 3},
-                                            {19970805, 4}, {19970819, 5}, {19990221, 5}, {19990222, 6}, {19991005, 6},
-                                            {19991006, 7}, {20021111, 7}, {20021112, 8}, {20030819, 8}, {20071012, 8},
-                                            {0, 1}, {-5, 1}, {99999999, 8}})
-        EXPECT_EQ(measurementGenerationOfTag(r.tag), r.generation) << r.tag;
-    EXPECT_EQ(measurementPersistIidOfTag(19951107), IID_IMeasurementPersistGeneration1);
-    EXPECT_EQ(measurementPersistIidOfTag(19970819), IID_IMeasurementPersistGeneration5);
-    EXPECT_EQ(measurementPersistIidOfTag(20071012), IID_IMeasurementPersistGeneration8);
-}
-
 }  // namespace
 }  // namespace nvdl::test
