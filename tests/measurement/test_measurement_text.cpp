@@ -1,0 +1,48 @@
+// The measurement's enumeration table and its Clip text.
+#include <gtest/gtest.h>
+
+#include "../frame/TestHelpers.h"
+#include "measurement/Measurement.h"
+
+namespace nvdl::test {
+namespace {
+
+TEST(MeasurementEnums, OneSortedTableWhereTheFirstTextWins) {
+    const EnumTable& table = measurementEnumTable();
+    EXPECT_EQ(table.rows().size(), 81u);
+    EXPECT_TRUE(table.isSorted());
+    EXPECT_EQ(table.lookupEnum(u""), 1000);
+    EXPECT_EQ(table.lookupEnum(u"Exponential"), 1202);
+    EXPECT_EQ(table.lookupEnum(u"hanning"), -1);  // case counts
+    EXPECT_EQ(table.lookupString(1029), nullptr);
+    ASSERT_NE(table.lookupString(1309), nullptr);
+    EXPECT_EQ(*table.lookupString(1309), u"Force/Exponential");
+    BSTR text = reinterpret_cast<BSTR>(0x1);
+    EXPECT_EQ(table.translate(4711, &text), S_OK);
+    EXPECT_EQ(SysStringLen(text), 0u);
+    SysFreeString(text);
+}
+
+TEST(MeasurementEnums, OneAndTwoChannelNames) {
+    for (LONG code : {1000, 1003, 1005, 1017, 1023, 1030, 1038}) EXPECT_TRUE(isOneChannelFunction(code)) << code;
+    for (LONG code : {1004, 1011, 1029, 1039, 1048}) EXPECT_FALSE(isOneChannelFunction(code)) << code;
+}
+
+TEST(MeasurementClip, FieldsInTheirOrder) {
+    CMeasurement* m = CMeasurement::createMeasurement();
+    IDispatch* d = m->dispatch();
+    putText(d, u"FunctionType", "Spectrum");
+    putText(d, u"Response", "acc");
+    latebound::put(d, u"ResponseChannel", Variant::fromLong(3));
+    latebound::put(d, u"XIncrement", Variant::fromDouble(2.75));
+    latebound::put(d, u"MeasurementTime", Variant::fromDouble(36526.5));
+    Bstr text;
+    ASSERT_EQ(m->Clip(Bstr(std::string_view("%1 of %2 on %3!d!, dx %8, %11, %19")).get(), text.out()), S_OK);
+    EXPECT_EQ(text.ansi(), "Spectrum of acc on 3, dx 2, False, 1/1/2000 12:00:00 PM");
+    EXPECT_EQ(m->Clip(Bstr(std::string_view("%20")).get(), text.out()), E_OUTOFMEMORY);
+    EXPECT_EQ(m->Clip(Bstr(std::string_view("%1")).get(), nullptr), E_POINTER);
+    m->Release();
+}
+
+}  // namespace
+}  // namespace nvdl::test
