@@ -97,15 +97,15 @@ std::string formatInteger(std::int32_t value, const InsertFormat& f) {
     } else if (conversion == 'd' || conversion == 'i' || conversion == 'u') {
         flags = withoutFlags(flags, "#");
     }
-    std::string spec = "%" + flags;
-    if (f.width >= 0) spec += std::to_string(f.width);
-    if (precision >= 0) spec += "." + std::to_string(precision);
+    std::string printfFormat = "%" + flags;
+    if (f.width >= 0) printfFormat += std::to_string(f.width);
+    if (precision >= 0) printfFormat += "." + std::to_string(precision);
     const bool isSigned = conversion == 'd' || conversion == 'i';
     if (conversion != 'c') {
-        if (f.size == InsertFormat::Size::Short) spec += "h";
-        if (f.size == InsertFormat::Size::Char) spec += "hh";
+        if (f.size == InsertFormat::Size::Short) printfFormat += "h";
+        if (f.size == InsertFormat::Size::Char) printfFormat += "hh";
     }
-    spec += conversion;
+    printfFormat += conversion;
 
     // Reduce to the named size first, so that printf sees an exact int or unsigned int.
     long long narrowed = value;
@@ -121,8 +121,8 @@ std::string formatInteger(std::int32_t value, const InsertFormat& f) {
     }
 
     const auto print = [&](char* buffer, std::size_t size) {
-        if (isSigned || conversion == 'c') return std::snprintf(buffer, size, spec.c_str(), static_cast<int>(narrowed));
-        return std::snprintf(buffer, size, spec.c_str(), static_cast<unsigned>(narrowed));
+        if (isSigned || conversion == 'c') return std::snprintf(buffer, size, printfFormat.c_str(), static_cast<int>(narrowed));
+        return std::snprintf(buffer, size, printfFormat.c_str(), static_cast<unsigned>(narrowed));
     };
     const int length = print(nullptr, 0);
     if (length <= 0) return {};
