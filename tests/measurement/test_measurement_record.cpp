@@ -17,13 +17,15 @@ struct Record {
     void i32(std::size_t offset, std::int32_t v) { le::put32(&bytes[offset], static_cast<std::uint32_t>(v)); }
     void f32(std::size_t offset, float v) { le::putF32(&bytes[offset], v); }
     void f64(std::size_t offset, double v) { le::putF64(&bytes[offset], v); }
-    void append(const std::string& s) { bytes.insert(bytes.end(), s.begin(), s.end()); }
+    void append(const std::string& s) {
+        std::size_t at = bytes.size();
+        bytes.resize(at + s.size());
+        std::copy(s.begin(), s.end(), bytes.begin() + static_cast<std::ptrdiff_t>(at));
+    }
     void appendFloats(const std::vector<float>& values) {
-        for (float v : values) {
-            std::uint8_t b[4];
-            le::putF32(b, v);
-            bytes.insert(bytes.end(), b, b + 4);
-        }
+        std::size_t at = bytes.size();
+        bytes.resize(at + 4 * values.size());
+        for (std::size_t i = 0; i < values.size(); ++i) le::putF32(&bytes[at + 4 * i], values[i]);
     }
 };
 
