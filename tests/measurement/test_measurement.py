@@ -117,6 +117,9 @@ class ValueRules(unittest.TestCase):
             m.YReal(8)
         self.assertEqual(caught.exception.hresult, E_INVALIDARG)
         self.assertEqual(m.X(3), 3.0)
+        m._put("YReal", 3, 2.5)  # a property that takes an index: the value goes last
+        self.assertEqual(m.YReal(3), 2.5)
+        self.assertEqual(len(m.YRealSectionArray(5, 0)), 5)  # the first argument is the count
 
 
 class Parameters(unittest.TestCase):
