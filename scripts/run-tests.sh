@@ -9,9 +9,10 @@ scripts/setup.sh build
 (cd build && ctest --output-on-failure -j "$jobs")
 
 scripts/setup.sh build-asan -DNVDL_SANITIZE=ON -DNVDL_BENCH=OFF
-asan_lib=$(gcc -print-file-name=libasan.so)
-# Python loads the sanitized module into an uninstrumented interpreter: preload the runtime,
-# and leave leak checking to the C++ programs (the interpreter keeps objects until exit).
+# Python loads the sanitized module into an uninstrumented interpreter: preload the runtime (with
+# the C++ library, so that the runtime finds the exception functions it wraps), and leave leak
+# checking to the C++ programs (the interpreter keeps objects until exit).
+asan_lib="$(gcc -print-file-name=libasan.so) $(gcc -print-file-name=libstdc++.so)"
 (cd build-asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
    ctest --output-on-failure -j "$jobs" -L cpp)
 (cd build-asan && env LD_PRELOAD="$asan_lib" ASAN_OPTIONS=detect_leaks=0 UBSAN_OPTIONS=print_stacktrace=1 \
