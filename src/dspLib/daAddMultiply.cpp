@@ -48,12 +48,9 @@ long daAdd(daComplex c, daVector a, daVector* out)
 
 long daAdd(daVector a, daVector b, daVector* out)
 {
-    if (daCheckTwo("daAdd", a, b, out, __LINE__))
+    if (daBeginTwo("daAdd", a, b, out, __LINE__))
         return 1;
-    daClearOutput(out);
-    bool complex = a.imag != nullptr || b.imag != nullptr;
-    if (daAllocOutput("daAdd", out, a.length, complex, __LINE__))
-        return 1;
+    const bool complex = a.imag != nullptr || b.imag != nullptr;
     for (long i = 0; i < a.length; ++i)
         out->real[i] = static_cast<float>(static_cast<double>(a.real[i]) + b.real[i]);
     if (complex)
@@ -64,12 +61,9 @@ long daAdd(daVector a, daVector b, daVector* out)
 
 long daLinearCombination(daVector a, daVector b, daVector* out, float x, float y)
 {
-    if (daCheckTwo("daLinearCombination", a, b, out, __LINE__))
+    if (daBeginTwo("daLinearCombination", a, b, out, __LINE__))
         return 1;
-    daClearOutput(out);
-    bool complex = a.imag != nullptr || b.imag != nullptr;
-    if (daAllocOutput("daLinearCombination", out, a.length, complex, __LINE__))
-        return 1;
+    const bool complex = a.imag != nullptr || b.imag != nullptr;
     const double wa = x;
     const double wb = y;
     for (long i = 0; i < a.length; ++i)
@@ -116,12 +110,9 @@ long daMultiply(daComplex c, daVector a, daVector* out)
 
 long daMultiply(daVector a, daVector b, daVector* out)
 {
-    if (daCheckTwo("daMultiply", a, b, out, __LINE__))
+    if (daBeginTwo("daMultiply", a, b, out, __LINE__))
         return 1;
-    daClearOutput(out);
-    bool complex = a.imag != nullptr || b.imag != nullptr;
-    if (daAllocOutput("daMultiply", out, a.length, complex, __LINE__))
-        return 1;
+    const bool complex = a.imag != nullptr || b.imag != nullptr;
     for (long i = 0; i < a.length; ++i) {
         double ar = a.real[i];
         double ai = daImagAt(a, i);

@@ -28,3 +28,11 @@ long daCheckTwo(const char* function, const daVector& a, const daVector& b, cons
                       kDaUnit, line);
     return daCheckData(function, {a, b}, out, line);
 }
+
+long daBeginTwo(const char* function, const daVector& a, const daVector& b, daVector* out, int line)
+{
+    if (daCheckTwo(function, a, b, out, line))
+        return 1;
+    daClearOutput(out);
+    return daAllocOutput(function, out, a.length, a.imag != nullptr || b.imag != nullptr, line);
+}

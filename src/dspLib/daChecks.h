@@ -20,5 +20,9 @@ long daCheckOne(const char* function, const daVector& a, const daVector* out, in
 // Two-vector members: a negative first length, unequal lengths, then missing data or output.
 long daCheckTwo(const char* function, const daVector& a, const daVector& b, const daVector* out, int line);
 
+// The start of the element-wise two-vector members: the checks, then the output cleared and
+// allocated, with an imaginary part when either input has one. 1 when a check or the allocation failed.
+long daBeginTwo(const char* function, const daVector& a, const daVector& b, daVector* out, int line);
+
 // Imaginary part of element i, 0 where the vector has none.
 inline double daImagAt(const daVector& v, long i) { return v.imag != nullptr ? v.imag[i] : 0.0; }

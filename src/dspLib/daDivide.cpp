@@ -50,12 +50,9 @@ long daDivide(daComplex c, daVector a, daVector* out)
 
 long daDivide(daVector a, daVector b, daVector* out)
 {
-    if (daCheckTwo("daDivide", a, b, out, __LINE__))
+    if (daBeginTwo("daDivide", a, b, out, __LINE__))
         return 1;
-    daClearOutput(out);
-    bool complex = a.imag != nullptr || b.imag != nullptr;
-    if (daAllocOutput("daDivide", out, a.length, complex, __LINE__))
-        return 1;
+    const bool complex = a.imag != nullptr || b.imag != nullptr;
     for (long i = 0; i < a.length; ++i) {
         double ar = a.real[i];
         double ai = daImagAt(a, i);

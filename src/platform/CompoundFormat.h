@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/Guid.h"
+#include "platform/LittleEndian.h"
 
 namespace nvdl::cfb {
 
@@ -76,24 +77,12 @@ struct DirEntry {
 DirEntry decodeDirEntry(const std::uint8_t* bytes, bool largeSectors);
 void encodeDirEntry(const DirEntry& entry, std::uint8_t* bytes);
 
-inline std::uint16_t load16(const std::uint8_t* p) { return static_cast<std::uint16_t>(p[0] | p[1] << 8); }
-inline std::uint32_t load32(const std::uint8_t* p) {
-    return static_cast<std::uint32_t>(p[0]) | static_cast<std::uint32_t>(p[1]) << 8 |
-           static_cast<std::uint32_t>(p[2]) << 16 | static_cast<std::uint32_t>(p[3]) << 24;
-}
-inline std::uint64_t load64(const std::uint8_t* p) {
-    return static_cast<std::uint64_t>(load32(p)) | static_cast<std::uint64_t>(load32(p + 4)) << 32;
-}
-inline void store16(std::uint8_t* p, std::uint16_t v) {
-    p[0] = static_cast<std::uint8_t>(v);
-    p[1] = static_cast<std::uint8_t>(v >> 8);
-}
-inline void store32(std::uint8_t* p, std::uint32_t v) {
-    for (int i = 0; i < 4; ++i) p[i] = static_cast<std::uint8_t>(v >> (8 * i));
-}
-inline void store64(std::uint8_t* p, std::uint64_t v) {
-    store32(p, static_cast<std::uint32_t>(v));
-    store32(p + 4, static_cast<std::uint32_t>(v >> 32));
-}
+// Fields are read and written through the shared little-endian helpers.
+inline std::uint16_t load16(const std::uint8_t* p) { return le::u16(p); }
+inline std::uint32_t load32(const std::uint8_t* p) { return le::u32(p); }
+inline std::uint64_t load64(const std::uint8_t* p) { return le::u64(p); }
+inline void store16(std::uint8_t* p, std::uint16_t v) { le::put16(p, v); }
+inline void store32(std::uint8_t* p, std::uint32_t v) { le::put32(p, v); }
+inline void store64(std::uint8_t* p, std::uint64_t v) { le::put64(p, v); }
 
 }  // namespace nvdl::cfb
