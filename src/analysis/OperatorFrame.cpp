@@ -72,16 +72,19 @@ void OperatorFrame::settleSize(CMeasurement& m, LONG n) {
 
 void OperatorFrame::adopt(CMeasurement& result, KernelOutput& out, bool setComplex) {
     const std::size_t n = out.length > 0 ? static_cast<std::size_t>(out.length) : 0;
-    result.m_yReal.clear();
-    result.m_yImag.clear();
-    if (out.real) result.m_yReal.assign(out.real, out.real + n);
-    if (out.imag) result.m_yImag.assign(out.imag, out.imag + n);
-    if (setComplex) result.m_complex = out.imag ? -1 : 0;
-    settleSize(result, out.real ? static_cast<LONG>(n) : 0);
+    const bool hasReal = out.real != nullptr;
+    const bool hasImag = out.imag != nullptr;
+    // The record's arrays become the result's vectors; the record no longer owns them.
+    result.m_yReal.adopt(out.real, hasReal ? n : 0);
+    result.m_yImag.adopt(out.imag, hasImag ? n : 0);
+    out.real = nullptr;
+    out.imag = nullptr;
+    if (setComplex) result.m_complex = hasImag ? -1 : 0;
+    settleSize(result, hasReal ? static_cast<LONG>(n) : 0);
 }
 
 void OperatorFrame::setRealVector(CMeasurement& result, const std::vector<float>& values) {
-    result.m_yReal = values;
+    result.m_yReal.assign(values.begin(), values.end());
     result.m_yImag.clear();
     result.m_complex = 0;
     settleSize(result, static_cast<LONG>(values.size()));

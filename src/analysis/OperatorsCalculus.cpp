@@ -103,9 +103,9 @@ HRESULT CMeasurement::SumIntegrate(IMeasurement** result) {
         } else {
             // Rectangles from each point to the next, starting from zero.
             const std::size_t n = std::min(r.m_yReal.size(), static_cast<std::size_t>(std::max<LONG>(r.m_size, 0)));
-            const std::vector<float> re = r.m_yReal, im = r.m_yImag;
-            for (std::vector<float>* y : {&r.m_yReal, &r.m_yImag}) {
-                const std::vector<float>& y0 = y == &r.m_yReal ? re : im;
+            const SampleVector re = r.m_yReal, im = r.m_yImag;
+            for (SampleVector* y : {&r.m_yReal, &r.m_yImag}) {
+                const SampleVector& y0 = y == &r.m_yReal ? re : im;
                 if (y->size() < n || n == 0) continue;
                 (*y)[0] = 0.0f;
                 for (std::size_t i = 1; i < n; ++i)
@@ -135,7 +135,7 @@ HRESULT CMeasurement::SumDifferentiate(IMeasurement** result) {
         } else {
             // Forward differences; the last point repeats the one before it.
             const std::size_t n = std::min(r.m_yReal.size(), static_cast<std::size_t>(std::max<LONG>(r.m_size, 0)));
-            for (std::vector<float>* y : {&r.m_yReal, &r.m_yImag}) {
+            for (SampleVector* y : {&r.m_yReal, &r.m_yImag}) {
                 if (y->size() < n || n == 0) continue;
                 for (std::size_t i = 0; i + 1 < n; ++i)
                     (*y)[i] = static_cast<float>((static_cast<double>((*y)[i + 1]) - (*y)[i]) /

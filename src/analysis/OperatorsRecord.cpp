@@ -181,7 +181,7 @@ HRESULT CMeasurement::Concatenate(IMeasurement* other, IMeasurement** result) {
         const LONG first = m_size, second = o->m_size;
         const LONG total = first + second;
         if (FAILED(r.put_Size(total)) || r.m_size != total) return E_OUTOFMEMORY;
-        auto append = [&](std::vector<float>& to, const std::vector<float>& from) {
+        auto append = [&](SampleVector& to, const SampleVector& from) {
             for (LONG i = 0; i < second; ++i)
                 to[static_cast<std::size_t>(first + i)] = static_cast<std::size_t>(i) < from.size() ? from[static_cast<std::size_t>(i)] : 0.0f;
         };
@@ -196,8 +196,9 @@ namespace {
 
 // `points` values from `source`: straight across when it is not longer, else a minimum and a
 // maximum for each block of up to 1024 samples.
-std::vector<float> minMaxPicture(const std::vector<float>& source, LONG size, LONG points) {
-    std::vector<float> picture(static_cast<std::size_t>(points), 0.0f);
+SampleVector minMaxPicture(const SampleVector& source, LONG size, LONG points) {
+    SampleVector picture;
+    picture.assign(static_cast<std::size_t>(points), 0.0f);
     if (size <= points || points < 2) {
         std::copy_n(source.begin(), std::min<std::size_t>({source.size(), static_cast<std::size_t>(std::max<LONG>(size, 0)), picture.size()}),
                     picture.begin());

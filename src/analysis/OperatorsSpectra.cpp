@@ -176,11 +176,10 @@ HRESULT CMeasurement::Psd(IMeasurement* other, IMeasurement** result) {
         progress = 3;
         // One-sided peak spectra: half the squared amplitude is the power, spread over the window's
         // noise bandwidth.
-        const double scale = 2.0 * m_bandwidthCorrectionFactor;
-        for (long i = 0; i < record.length; ++i) {
-            if (record.real) record.real[i] = static_cast<float>(record.real[i] / scale);
-            if (record.imag) record.imag[i] = static_cast<float>(record.imag[i] / scale);
-        }
+        const double scale = 1.0 / (2.0 * m_bandwidthCorrectionFactor);
+        for (float* part : {record.real, record.imag})
+            if (part)
+                for (long i = 0; i < record.length; ++i) part[i] = static_cast<float>(part[i] * scale);
         OperatorFrame::adopt(r, record);
         progress = 4;
         r.m_bandwidthCorrectionFactor = 1.0f;

@@ -53,7 +53,10 @@ long daAdd(daVector a, daVector b, daVector* out)
     const bool complex = a.imag != nullptr || b.imag != nullptr;
     for (long i = 0; i < a.length; ++i)
         out->real[i] = static_cast<float>(static_cast<double>(a.real[i]) + b.real[i]);
-    if (complex)
+    if (a.imag != nullptr && b.imag != nullptr)
+        for (long i = 0; i < a.length; ++i)
+            out->imag[i] = static_cast<float>(static_cast<double>(a.imag[i]) + b.imag[i]);
+    else if (complex)
         for (long i = 0; i < a.length; ++i)
             out->imag[i] = static_cast<float>(daImagAt(a, i) + daImagAt(b, i));
     return 0;
@@ -113,6 +116,12 @@ long daMultiply(daVector a, daVector b, daVector* out)
     if (daBeginTwo("daMultiply", a, b, out, __LINE__))
         return 1;
     const bool complex = a.imag != nullptr || b.imag != nullptr;
+    if (!complex) {
+        // The product of two floats is exact in double, so the float product rounds the same.
+        for (long i = 0; i < a.length; ++i)
+            out->real[i] = a.real[i] * b.real[i];
+        return 0;
+    }
     for (long i = 0; i < a.length; ++i) {
         double ar = a.real[i];
         double ai = daImagAt(a, i);

@@ -43,14 +43,26 @@ long daPsd(daVector a, daVector b, daVector* psd, float deltaFrequency)
     daClearOutput(psd);
     if (daAllocOutput("daPsd", psd, a.length, true, __LINE__))
         return 1;
-    const double df = deltaFrequency;
+    const double perHz = 1.0 / deltaFrequency;
+    if (a.imag != nullptr && b.imag != nullptr) {
+        // The common case, two complex spectra, in a loop without tests.
+        const float* ar = a.real;
+        const float* ai = a.imag;
+        const float* br = b.real;
+        const float* bi = b.imag;
+        for (long i = 0; i < a.length; ++i) {
+            psd->real[i] = static_cast<float>((static_cast<double>(br[i]) * ar[i] + static_cast<double>(bi[i]) * ai[i]) * perHz);
+            psd->imag[i] = static_cast<float>((static_cast<double>(bi[i]) * ar[i] - static_cast<double>(br[i]) * ai[i]) * perHz);
+        }
+        return 0;
+    }
     for (long i = 0; i < a.length; ++i) {
         double ar = a.real[i];
         double ai = daImagAt(a, i);
         double br = b.real[i];
         double bi = daImagAt(b, i);
-        psd->real[i] = static_cast<float>((br * ar + bi * ai) / df);
-        psd->imag[i] = static_cast<float>((bi * ar - br * ai) / df);
+        psd->real[i] = static_cast<float>((br * ar + bi * ai) * perHz);
+        psd->imag[i] = static_cast<float>((bi * ar - br * ai) * perHz);
     }
     return 0;
 }

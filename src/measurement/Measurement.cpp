@@ -29,7 +29,6 @@ constexpr IID IID_CMeasurementImpl{0x7c1e2f90, 0x5a3b, 0x4d21, {0x8e, 0x44, 0x10
 }  // namespace
 
 CMeasurement::CMeasurement(bool sized) : CObjectFrame(IID_IMeasurement) {
-    m_measurementTime = localNow();
     m_parameters.SetOwner(dispatch());
     m_parameters.SetItemClass(CLSID_CParameter);
     m_measurements.SetOwner(dispatch());
@@ -38,7 +37,8 @@ CMeasurement::CMeasurement(bool sized) : CObjectFrame(IID_IMeasurement) {
     m_dataBlocks.SetItemClass(CLSID_CDataBlock);
     m_signalRange.SetOwner(dispatch());
     m_optimizedXStart = m_xStart;
-    if (!sized) return;  // a copy takes its block size and paging settings from its source
+    if (!sized) return;  // a copy takes its time, block size and paging settings from its source
+    m_measurementTime = localNow();
     m_maxBlockSize = 0;
     CheckRegistryMaxBlockSize();
     std::string longFile = registry::readSetting("LongFileFeature").value_or("0");
@@ -91,16 +91,36 @@ HRESULT CMeasurement::CheckRegistryMaxBlockSize() {
 
 // Identity and naming.
 
+namespace {
+
+// Appends "0x" and `digits` hexadecimal digits of `value`, upper or lower case.
+void appendHex(std::string& text, unsigned long long value, int digits, bool upper) {
+    const char* symbols = upper ? "0123456789ABCDEF" : "0123456789abcdef";
+    text += "0x";
+    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) text += symbols[(value >> shift) & 0xF];
+}
+
+}  // namespace
+
+// ".UID." and a new GUID as "0x%08lX-0x%04X-0x%04x-0x%02X%02X-0x%02X%02X%02X%02X%02X%02X" (the third
+// group in lower case), unless the text already carries one.
 HRESULT CMeasurement::GenerateStaticUnicId(std::string& text) {
     if (text.find(".UID.") != std::string::npos) return S_OK;
     GUID g = generateGuid();
     if (g == GUID_NULL) return E_FAIL;
-    char buf[150];
-    std::snprintf(buf, sizeof buf, "0x%08lX-0x%04X-0x%04x-0x%02X%02X-0x%02X%02X%02X%02X%02X%02X",
-                  static_cast<unsigned long>(g.Data1), g.Data2, g.Data3, g.Data4[0], g.Data4[1], g.Data4[2], g.Data4[3],
-                  g.Data4[4], g.Data4[5], g.Data4[6], g.Data4[7]);
+    text.reserve(text.size() + 5 + 50);
     text += ".UID.";
-    text += buf;
+    appendHex(text, g.Data1, 8, true);
+    text += '-';
+    appendHex(text, g.Data2, 4, true);
+    text += '-';
+    appendHex(text, g.Data3, 4, false);
+    text += '-';
+    appendHex(text, static_cast<unsigned long long>(g.Data4[0]) << 8 | g.Data4[1], 4, true);
+    text += '-';
+    unsigned long long node = 0;
+    for (int i = 2; i < 8; ++i) node = node << 8 | g.Data4[i];
+    appendHex(text, node, 12, true);
     return S_OK;
 }
 

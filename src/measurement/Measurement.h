@@ -13,6 +13,7 @@
 #include "measurement/MeasurementDataStream.h"
 #include "measurement/MeasurementLog.h"
 #include "measurement/MeasurementPersistHelpers.h"
+#include "measurement/SampleVector.h"
 #include "measurement/SignalRange.h"
 #include "nvdl/IMeasurement.h"
 
@@ -259,9 +260,9 @@ public:
     void CloseDataStream();
     CMeasurementLog& log() { return m_log; }
 
-    const std::vector<float>& yReal() const { return m_yReal; }
-    const std::vector<float>& yImag() const { return m_yImag; }
-    const std::vector<float>& xValues() const { return m_x; }
+    const SampleVector& yReal() const { return m_yReal; }
+    const SampleVector& yImag() const { return m_yImag; }
+    const SampleVector& xValues() const { return m_x; }
     bool isComplex() const { return m_complex != 0; }
 
 private:
@@ -284,8 +285,8 @@ private:
     HRESULT resizeBlock(LONG m);
     void blockCopyRange(LONG start, LONG count, LONG& k, LONG& m) const;
     HRESULT copyEngine(CMeasurement& target, bool headerOnly);
-    HRESULT sampleAt(const std::vector<float>& vector, LONG index, float* value);
-    HRESULT sectionArray(const std::vector<float>& vector, LONG first, VARIANT* value) const;
+    HRESULT sampleAt(const SampleVector& vector, LONG index, float* value);
+    HRESULT sectionArray(const SampleVector& vector, LONG first, VARIANT* value) const;
     void releaseDimensions();
     HRESULT setDimensionFromText(IDispatch*& slot, BSTR text, bool allowNewFromText);
     // The dimension of the units table at `index`; an index the table does not have leaves none.
@@ -341,8 +342,8 @@ private:
     std::string m_tag;
     std::string m_name;
     std::string m_id;
-    std::vector<float> m_yReal, m_yImag, m_x;
-    std::vector<float> m_optimizedYReal, m_optimizedYImag, m_optimizedX;
+    SampleVector m_yReal, m_yImag, m_x;
+    SampleVector m_optimizedYReal, m_optimizedYImag, m_optimizedX;
     LONG m_modified = 1;
     LONG m_fileSamples = 0;
     LONG m_maxBlockSize = 32768;

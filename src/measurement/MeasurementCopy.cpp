@@ -36,8 +36,7 @@ HRESULT CMeasurement::copyEngine(CMeasurement& target, bool headerOnly) {
         target.m_yImag.clear();
         target.m_x.clear();
         LoadFromDisk();
-        Bstr tag;
-        get_Tag(tag.out());  // gives the source its identity
+        if (m_tag.empty() && m_id.empty()) GenerateStaticUnicId(m_id);  // the source gets its identity
         target.m_tag.clear();
 
         target.m_softwareRevision = m_softwareRevision;

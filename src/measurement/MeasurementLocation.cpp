@@ -22,7 +22,7 @@ HRESULT CMeasurement::Optimize() {
     if (!m_longFileFeature) return S_OK;
     if (m_size <= 0) return S_OK;
     if (m_optimizedYReal.empty()) return E_FAIL;
-    std::vector<float> re = m_optimizedYReal, im = m_optimizedYImag, x = m_optimizedX;
+    const SampleVector re = m_optimizedYReal, im = m_optimizedYImag, x = m_optimizedX;
     Variant reArray, imArray;
     reArray.vt = VT_ARRAY | VT_R4;
     reArray.parray = makeFloatArray(re);

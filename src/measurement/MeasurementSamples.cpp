@@ -8,7 +8,7 @@ namespace nvdl {
 
 namespace {
 
-HRESULT giveArray(const std::vector<float>& values, std::size_t count, VARIANT* v) {
+HRESULT giveArray(const SampleVector& values, std::size_t count, VARIANT* v) {
     if (!v) return E_POINTER;
     VariantClear(v);
     SAFEARRAY* array = makeFloatArray(std::span<const float>(values.data(), std::min(count, values.size())));
@@ -50,13 +50,17 @@ HRESULT CMeasurement::resizeBlock(LONG m) {
         return S_OK;
     }
     const std::size_t n = static_cast<std::size_t>(m);
-    // Fresh vectors, so that a record shrinking to one block gives its memory back.
-    auto kept = [n](const std::vector<float>& old, std::vector<float>& fresh) {
-        fresh.assign(n, 0.0f);
-        std::copy_n(old.begin(), std::min(n, old.size()), fresh.begin());
+    // Fresh vectors, so that a record shrinking to one block gives its memory back. A vector that
+    // existed keeps its first values and the rest is zeroed; a new one is left as allocated.
+    auto kept = [n](const SampleVector& old, SampleVector& fresh) {
+        fresh.allocate(n);
+        if (old.empty()) return;
+        const std::size_t copied = std::min(n, old.size());
+        std::copy_n(old.begin(), copied, fresh.begin());
+        std::fill(fresh.begin() + copied, fresh.end(), 0.0f);
     };
     try {
-        std::vector<float> re, im, x;
+        SampleVector re, im, x;
         kept(m_yReal, re);
         if (m_complex) kept(m_yImag, im);
         if (axisHasXVector(m_xAxisType)) kept(m_x, x);
@@ -133,7 +137,7 @@ LONG CMeasurement::GetDataIndex(LONG index) const {
     return result;
 }
 
-HRESULT CMeasurement::sampleAt(const std::vector<float>& vector, LONG index, float* value) {
+HRESULT CMeasurement::sampleAt(const SampleVector& vector, LONG index, float* value) {
     if (!value) return E_POINTER;
     if (index < 0 || index >= m_fileSamples) return E_INVALIDARG;
     if (HRESULT h = ReadData(index, 1); FAILED(h)) return h;
@@ -294,7 +298,7 @@ HRESULT CMeasurement::YArray(VARIANT* re, LONG size, VARIANT* im, BSTR dimension
 namespace {
 
 // Block copy into a vector, as far as the vector reaches.
-void copyIn(const float* from, LONG start, LONG count, std::vector<float>& to) {
+void copyIn(const float* from, LONG start, LONG count, SampleVector& to) {
     if (!from || count <= 0 || static_cast<std::size_t>(start) >= to.size()) return;
     std::size_t n = std::min(static_cast<std::size_t>(count), to.size() - static_cast<std::size_t>(start));
     std::copy_n(from, n, to.begin() + start);
@@ -315,7 +319,7 @@ namespace {
 
 // Block copy out of a vector: `count` elements of the output are zeroed, then m elements from k are
 // copied in, as far as the vector reaches.
-void copyOut(const std::vector<float>& from, LONG k, LONG m, LONG count, float* to) {
+void copyOut(const SampleVector& from, LONG k, LONG m, LONG count, float* to) {
     if (!to || count <= 0) return;
     std::fill_n(to, count, 0.0f);
     if (m <= 0 || k < 0 || static_cast<std::size_t>(k) >= from.size()) return;
@@ -380,7 +384,7 @@ HRESULT CMeasurement::WriteYRealArray(const float* buffer, LONG count, LONG star
 
 // The first argument gives the element count and the section always starts at element 0:
 // clients have always called it so.
-HRESULT CMeasurement::sectionArray(const std::vector<float>& vector, LONG first, VARIANT* value) const {
+HRESULT CMeasurement::sectionArray(const SampleVector& vector, LONG first, VARIANT* value) const {
     if (!value) return E_POINTER;
     if (vector.empty()) return E_POINTER;
     if (m_size < 1) return E_FAIL;
@@ -396,7 +400,7 @@ HRESULT CMeasurement::get_XSectionArray(LONG first, LONG, VARIANT* v) { return s
 void CMeasurement::GenerateOptimizedArray() {
     if (!m_longFileFeature || m_size <= 0) return;
     bool made = false;
-    auto take = [&](const std::vector<float>& from, std::vector<float>& copy) {
+    auto take = [&](const SampleVector& from, SampleVector& copy) {
         if (!from.empty() && copy.empty()) {
             copy = from;
             made = true;

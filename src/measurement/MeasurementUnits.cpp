@@ -152,7 +152,7 @@ float fromUser(float value, double scale, double offset) {
     return static_cast<float>(v);
 }
 
-HRESULT giveConverted(const std::vector<float>& values, std::size_t count, double scale, double offset, VARIANT* v) {
+HRESULT giveConverted(const SampleVector& values, std::size_t count, double scale, double offset, VARIANT* v) {
     std::vector<float> converted(values.begin(), values.begin() + static_cast<std::ptrdiff_t>(std::min(count, values.size())));
     for (float& x : converted) x = toUser(x, scale, offset);
     VariantClear(v);

@@ -1,5 +1,7 @@
-// The measurement's enumeration table and its Clip text.
+// The measurement's enumeration table, its Clip text and its identity text.
 #include <gtest/gtest.h>
+
+#include <regex>
 
 #include "../frame/TestHelpers.h"
 #include "measurement/Measurement.h"
@@ -42,6 +44,24 @@ TEST(MeasurementClip, FieldsInTheirOrder) {
     EXPECT_EQ(m->Clip(Bstr(std::string_view("%20")).get(), text.out()), E_OUTOFMEMORY);
     EXPECT_EQ(m->Clip(Bstr(std::string_view("%1")).get(), nullptr), E_POINTER);
     m->Release();
+}
+
+TEST(MeasurementIdentity, AGuidInItsFixedFormatGivenToACopysSource) {
+    CMeasurement* source = CMeasurement::createMeasurement();
+    CMeasurement* copy = CMeasurement::createMeasurement();
+    ASSERT_EQ(source->CopyHeader(copy), S_OK);
+    Bstr id, copyId;
+    ASSERT_EQ(source->get_Id(id.out()), S_OK);
+    const std::regex format(R"(\.UID\.0x[0-9A-F]{8}-0x[0-9A-F]{4}-0x[0-9a-f]{4}-0x[0-9A-F]{4}-0x[0-9A-F]{12})");
+    EXPECT_TRUE(std::regex_match(id.ansi(), format)) << id.ansi();
+    ASSERT_EQ(copy->get_Id(copyId.out()), S_OK);
+    EXPECT_NE(copyId.ansi(), id.ansi());
+
+    std::string named = "run.UID.kept";
+    EXPECT_EQ(CMeasurement::GenerateStaticUnicId(named), S_OK);
+    EXPECT_EQ(named, "run.UID.kept");
+    copy->Release();
+    source->Release();
 }
 
 }  // namespace
