@@ -4,6 +4,8 @@
 #include <pybind11/pybind11.h>
 #include <pybind11/stl.h>
 
+#include <map>
+#include <tuple>
 #include <vector>
 
 #include "nvdl/nvdl.h"
@@ -136,11 +138,18 @@ py::object memberId(const Handle& handle, const std::string& name) {
     return py::int_(id);
 }
 
-// The outputs of a member beyond its return value: their places among its parameters.
-std::vector<unsigned> outputPlaces(IDispatch* object, DISPID id, WORD flags) {
-    std::vector<unsigned> places;
+// The object's type description, which the type library owns and keeps for the life of the
+// process: its address names the interface. 0 for an object without one.
+std::uintptr_t typeKey(const Handle& handle) {
     ITypeInfo* info = nullptr;
-    if (FAILED(object->GetTypeInfo(0, 0, &info)) || !info) return places;
+    if (FAILED(handle.get()->GetTypeInfo(0, 0, &info)) || !info) return 0;
+    info->Release();
+    return reinterpret_cast<std::uintptr_t>(info);
+}
+
+// The outputs of a member beyond its return value: their places among its parameters.
+std::vector<unsigned> findOutputPlaces(ITypeInfo* info, DISPID id, WORD flags) {
+    std::vector<unsigned> places;
     const TYPEATTR* attr = nullptr;
     if (SUCCEEDED(info->GetTypeAttr(&attr))) {
         for (unsigned i = 0; i < attr->cFuncs; ++i) {
@@ -154,8 +163,21 @@ std::vector<unsigned> outputPlaces(IDispatch* object, DISPID id, WORD flags) {
             break;
         }
     }
-    info->Release();
     return places;
+}
+
+// The same, remembered per interface and member: a call asks for them every time. The interpreter
+// lock keeps the cache to one thread.
+const std::vector<unsigned>& outputPlaces(IDispatch* object, DISPID id, WORD flags) {
+    static const std::vector<unsigned> none;
+    static std::map<std::tuple<ITypeInfo*, DISPID, WORD>, std::vector<unsigned>> known;
+    ITypeInfo* info = nullptr;
+    if (FAILED(object->GetTypeInfo(0, 0, &info)) || !info) return none;
+    info->Release();  // the type library keeps it
+    auto key = std::make_tuple(info, id, flags);
+    auto found = known.find(key);
+    if (found == known.end()) found = known.emplace(key, findOutputPlaces(info, id, flags)).first;
+    return found->second;
 }
 
 // Calls a member. For a put the last argument is the value. Answers the result, or for a failure
@@ -168,7 +190,8 @@ py::object invoke(const Handle& handle, DISPID id, WORD flags, const py::tuple& 
     for (const py::handle& a : args) values.push_back(toVariant(a));
 
     // Outputs the caller did not give are passed as by-reference holders and come back after the result.
-    std::vector<unsigned> places = isPut ? std::vector<unsigned>{} : outputPlaces(object, id, flags);
+    static const std::vector<unsigned> noPlaces;
+    const std::vector<unsigned>& places = isPut ? noPlaces : outputPlaces(object, id, flags);
     std::vector<nvdl::Variant> holders;
     holders.reserve(places.size());
     std::vector<std::size_t> holderSlots;
@@ -213,6 +236,7 @@ PYBIND11_MODULE(_nvdl, m) {
     m.def("set_missing", [](py::object missing) { g_missing = std::move(missing); });
     m.def("create", &create);
     m.def("member_id", &memberId);
+    m.def("type_key", &typeKey);
     m.def("invoke", &invoke);
     m.def("object_count", [] { return nvdl::ObjectCount(); });
     m.attr("DISPATCH_METHOD") = DISPATCH_METHOD;

@@ -90,30 +90,48 @@ class _Member:
         return "<nvdl member %s>" % self._name
 
 
+# What is known of the members of each interface, by the key of its type description: name ->
+# [dispid, callable], where callable is None until a get has shown whether the member is read as a
+# property or must be called (a method, or a property that takes arguments).
+_interfaces = {}
+
+
 class _Proxy:
-    __slots__ = ("_handle", "_ids")
+    __slots__ = ("_handle", "_members")
 
     def __init__(self, handle):
         object.__setattr__(self, "_handle", handle)
-        object.__setattr__(self, "_ids", {})
+        key = _nvdl.type_key(handle)
+        # An object without a type description keeps what it learns to itself.
+        members = _interfaces.setdefault(key, {}) if key else {}
+        object.__setattr__(self, "_members", members)
+
+    def _member(self, name):
+        members = self._members
+        known = members.get(name)
+        if known is None:
+            known = members[name] = [_nvdl.member_id(self._handle, name), None]
+        return known
 
     def _id(self, name):
-        ids = self._ids
-        if name not in ids:
-            ids[name] = _nvdl.member_id(self._handle, name)
-        return ids[name]
+        return self._member(name)[0]
 
     def __getattr__(self, name):
         if name.startswith("_") and name != "_NewEnum":
             raise AttributeError(name)
-        dispid = self._id(name)
+        known = self._member(name)
+        dispid = known[0]
         if dispid is None:
             raise AttributeError(name)
+        if known[1]:
+            return _Member(self, name, dispid)
         status, value = _nvdl.invoke(self._handle, dispid, _nvdl.DISPATCH_PROPERTYGET, ())
         if status == "error":
             if value[0] in (DISP_E_MEMBERNOTFOUND, DISP_E_BADPARAMCOUNT, DISP_E_PARAMNOTOPTIONAL):
+                known[1] = True
                 return _Member(self, name, dispid)
             raise ComError(*value)
+        known[1] = False
         return _wrap(value)
 
     def __setattr__(self, name, value):

@@ -58,8 +58,7 @@ HRESULT beginResult(IMeasurement** result) {
 }
 
 // The last window made, kept for the next block of the same kind: block-wise analysis asks for
-// the same window over and over. Like the transform set-up of daFft, the cache is process-wide and
-// meant for one thread at a time.
+// the same window over and over. Each thread keeps its own.
 struct WindowCache {
     daeWindow type{};
     long size = -1;
@@ -68,7 +67,7 @@ struct WindowCache {
 };
 
 void windowInto(CMeasurement& result, daeWindow type, long size, float height, float parameter, float offset) {
-    static WindowCache cache;
+    static thread_local WindowCache cache;
     if (!(cache.size == size && cache.type == type && cache.height == height && cache.parameter == parameter &&
           cache.offset == offset)) {
         KernelOutput record;
