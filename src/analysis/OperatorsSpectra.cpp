@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "analysis/OperatorFrame.h"
+#include "dspLib/daVectorLoops.h"
 #include "nvdl/daSignal.h"
 #include "nvdl/daSpectra.h"
 #include "platform/Host.h"
@@ -177,8 +178,7 @@ HRESULT CMeasurement::Psd(IMeasurement* other, IMeasurement** result) {
         // noise bandwidth.
         const double scale = 1.0 / (2.0 * m_bandwidthCorrectionFactor);
         for (float* part : {record.real, record.imag})
-            if (part)
-                for (long i = 0; i < record.length; ++i) part[i] = static_cast<float>(part[i] * scale);
+            if (part) daScaleFloats(part, part, record.length, scale);
         OperatorFrame::adopt(r, record);
         progress = 4;
         r.m_bandwidthCorrectionFactor = 1.0f;

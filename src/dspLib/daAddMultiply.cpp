@@ -1,5 +1,6 @@
 // Copy, addition, linear combination and multiplication of kernel vectors.
 #include "dspLib/daChecks.h"
+#include "dspLib/daVectorLoops.h"
 #include "nvdl/daArithmetic.h"
 
 long daCopy(daVector a, daVector* out)
@@ -51,11 +52,9 @@ long daAdd(daVector a, daVector b, daVector* out)
     if (daBeginTwo("daAdd", a, b, out, __LINE__))
         return 1;
     const bool complex = a.imag != nullptr || b.imag != nullptr;
-    for (long i = 0; i < a.length; ++i)
-        out->real[i] = static_cast<float>(static_cast<double>(a.real[i]) + b.real[i]);
+    daSumFloats(a.real, b.real, out->real, a.length);
     if (a.imag != nullptr && b.imag != nullptr)
-        for (long i = 0; i < a.length; ++i)
-            out->imag[i] = static_cast<float>(static_cast<double>(a.imag[i]) + b.imag[i]);
+        daSumFloats(a.imag, b.imag, out->imag, a.length);
     else if (complex)
         for (long i = 0; i < a.length; ++i)
             out->imag[i] = static_cast<float>(daImagAt(a, i) + daImagAt(b, i));

@@ -3,6 +3,7 @@
 #include <cstdlib>
 
 #include "dspLib/daChecks.h"
+#include "dspLib/daVectorLoops.h"
 #include "nvdl/daSpectra.h"
 
 namespace {
@@ -45,15 +46,8 @@ long daPsd(daVector a, daVector b, daVector* psd, float deltaFrequency)
         return 1;
     const double perHz = 1.0 / deltaFrequency;
     if (a.imag != nullptr && b.imag != nullptr) {
-        // The common case, two complex spectra, in a loop without tests.
-        const float* ar = a.real;
-        const float* ai = a.imag;
-        const float* br = b.real;
-        const float* bi = b.imag;
-        for (long i = 0; i < a.length; ++i) {
-            psd->real[i] = static_cast<float>((static_cast<double>(br[i]) * ar[i] + static_cast<double>(bi[i]) * ai[i]) * perHz);
-            psd->imag[i] = static_cast<float>((static_cast<double>(bi[i]) * ar[i] - static_cast<double>(br[i]) * ai[i]) * perHz);
-        }
+        // The common case, two complex spectra.
+        daConjugateProduct(a.real, a.imag, b.real, b.imag, psd->real, psd->imag, a.length, perHz);
         return 0;
     }
     for (long i = 0; i < a.length; ++i) {

@@ -1,0 +1,19 @@
+// Element loops of the kernel that run on every block of a block-wise analysis. Each is built twice,
+// for the baseline instruction set and for AVX2, and the loader picks the one the processor runs.
+#pragma once
+
+#if defined(__x86_64__) && (defined(__GNUC__) || defined(__clang__))
+#define DA_VECTOR_CLONES __attribute__((target_clones("avx2", "default")))
+#else
+#define DA_VECTOR_CLONES
+#endif
+
+// re + i·im = conj(a)·b · scale, over n complex lines given as separate real and imaginary arrays.
+void daConjugateProduct(const float* ar, const float* ai, const float* br, const float* bi, float* re, float* im,
+                        long n, double scale);
+
+// to[i] = from[i] · scale for n floats (from and to may be the same array).
+void daScaleFloats(const float* from, float* to, long n, double scale);
+
+// out[i] = a[i] + b[i], summed in double.
+void daSumFloats(const float* a, const float* b, float* out, long n);
