@@ -13,18 +13,24 @@ inline constexpr IID IID_IFrameObject{0x5a0f3c1e, 0x2b7d, 0x4e86, {0x91, 0x3a, 0
 
 class CFrameBase {
 public:
-    CFrameBase() : m_life(std::make_shared<char>(0)) {}
+    CFrameBase() = default;
     CFrameBase(const CFrameBase&) = delete;
     CFrameBase& operator=(const CFrameBase&) = delete;
     virtual ~CFrameBase() = default;
 
-    std::weak_ptr<const char> lifeToken() const { return m_life; }
+    // Made when a back reference first watches this object: most objects are never watched (the
+    // results of the signal operators, embedded collections) and so never allocate one. Like the
+    // rest of an object, it is used from one thread at a time.
+    std::weak_ptr<const char> lifeToken() const {
+        if (!m_life) m_life = std::make_shared<char>(0);
+        return m_life;
+    }
 
     // The frame of an object of this server, or null for any other object.
     static CFrameBase* of(IUnknown* object);
 
 private:
-    std::shared_ptr<char> m_life;
+    mutable std::shared_ptr<char> m_life;
 };
 
 // An uncounted back reference. An object of this server is watched through its life token, so a

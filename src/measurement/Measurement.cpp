@@ -93,11 +93,14 @@ HRESULT CMeasurement::CheckRegistryMaxBlockSize() {
 
 namespace {
 
-// Appends "0x" and `digits` hexadecimal digits of `value`, upper or lower case.
-void appendHex(std::string& text, unsigned long long value, int digits, bool upper) {
+// Writes "0x" and `digits` hexadecimal digits of `value`, upper or lower case, at `to`; returns the
+// end of what it wrote.
+char* putHex(char* to, unsigned long long value, int digits, bool upper) {
     const char* symbols = upper ? "0123456789ABCDEF" : "0123456789abcdef";
-    text += "0x";
-    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) text += symbols[(value >> shift) & 0xF];
+    *to++ = '0';
+    *to++ = 'x';
+    for (int shift = 4 * (digits - 1); shift >= 0; shift -= 4) *to++ = symbols[(value >> shift) & 0xF];
+    return to;
 }
 
 }  // namespace
@@ -108,19 +111,20 @@ HRESULT CMeasurement::GenerateStaticUnicId(std::string& text) {
     if (text.find(".UID.") != std::string::npos) return S_OK;
     GUID g = generateGuid();
     if (g == GUID_NULL) return E_FAIL;
-    text.reserve(text.size() + 5 + 50);
-    text += ".UID.";
-    appendHex(text, g.Data1, 8, true);
-    text += '-';
-    appendHex(text, g.Data2, 4, true);
-    text += '-';
-    appendHex(text, g.Data3, 4, false);
-    text += '-';
-    appendHex(text, static_cast<unsigned long long>(g.Data4[0]) << 8 | g.Data4[1], 4, true);
-    text += '-';
     unsigned long long node = 0;
     for (int i = 2; i < 8; ++i) node = node << 8 | g.Data4[i];
-    appendHex(text, node, 12, true);
+    char buf[64];
+    char* end = putHex(buf, g.Data1, 8, true);
+    *end++ = '-';
+    end = putHex(end, g.Data2, 4, true);
+    *end++ = '-';
+    end = putHex(end, g.Data3, 4, false);
+    *end++ = '-';
+    end = putHex(end, static_cast<unsigned long long>(g.Data4[0]) << 8 | g.Data4[1], 4, true);
+    *end++ = '-';
+    end = putHex(end, node, 12, true);
+    text += ".UID.";
+    text.append(buf, end);
     return S_OK;
 }
 

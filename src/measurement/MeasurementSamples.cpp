@@ -50,23 +50,18 @@ HRESULT CMeasurement::resizeBlock(LONG m) {
         return S_OK;
     }
     const std::size_t n = static_cast<std::size_t>(m);
-    // Fresh vectors, so that a record shrinking to one block gives its memory back. A vector that
-    // existed keeps its first values and the rest is zeroed; a new one is left as allocated.
-    auto kept = [n](const SampleVector& old, SampleVector& fresh) {
-        fresh.allocate(n);
-        if (old.empty()) return;
-        const std::size_t copied = std::min(n, old.size());
-        std::copy_n(old.begin(), copied, fresh.begin());
-        std::fill(fresh.begin() + copied, fresh.end(), 0.0f);
+    // A vector that existed keeps its first values and the rest is zeroed; a new one is left as
+    // allocated. A record shrinking to one block gives its memory back.
+    auto kept = [n](SampleVector& vector) {
+        if (vector.empty()) vector.allocate(n);
+        else vector.resize(n, 0.0f);
     };
     try {
-        SampleVector re, im, x;
-        kept(m_yReal, re);
-        if (m_complex) kept(m_yImag, im);
-        if (axisHasXVector(m_xAxisType)) kept(m_x, x);
-        m_yReal.swap(re);
-        m_yImag.swap(im);
-        m_x.swap(x);
+        kept(m_yReal);
+        if (m_complex) kept(m_yImag);
+        else m_yImag.clear();
+        if (axisHasXVector(m_xAxisType)) kept(m_x);
+        else m_x.clear();
     } catch (const std::bad_alloc&) {
         m_yReal = {};
         m_yImag = {};
