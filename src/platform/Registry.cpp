@@ -2,13 +2,15 @@
 
 #include <sys/stat.h>
 
+#include <cstdint>
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <mutex>
-#include <cstdint>
+#include <string_view>
 
 #include "platform/DebugTrace.h"
+#include "platform/FileChangeWatch.h"
 #include "platform/RegistryDefaults.h"
 #include "platform/RegistryText.h"
 #include "platform/RegistryTree.h"
@@ -97,6 +99,30 @@ bool isRacy(const FileStamp& stamp, const std::timespec& loadedAt) {
     return recent(stamp.modified) || recent(stamp.changed);
 }
 
+// Where the store path comes from: the start from the environment and a fixed tail, so that the
+// path can be compared with the one read last without building it.
+struct StorePathParts {
+    std::string_view head;
+    std::string_view tail;
+
+    bool operator==(std::string_view path) const {
+        return path.size() == head.size() + tail.size() && path.starts_with(head) && path.ends_with(tail);
+    }
+};
+
+const char* nonEmptyEnv(const char* name) {
+    const char* value = std::getenv(name);
+    return value != nullptr && value[0] != '\0' ? value : nullptr;
+}
+
+StorePathParts storePathParts() {
+    if (const char* explicitPath = nonEmptyEnv("NVDL_REGISTRY")) return {explicitPath, {}};
+    const char* configHome = nonEmptyEnv("XDG_CONFIG_HOME");
+    if (configHome != nullptr && configHome[0] == '/') return {configHome, "/nvdl/registry.txt"};
+    if (const char* home = nonEmptyEnv("HOME")) return {home, "/.config/nvdl/registry.txt"};
+    return {};
+}
+
 // The parsed file as it was at the last read, with what identifies that state of the file.
 class StoreCache {
 public:
@@ -110,10 +136,16 @@ public:
 
 private:
     void refresh() {
+        // While the watch is armed on the same path and has heard of nothing, the file is as read.
+        if (loaded_ && watching_ && storePathParts() == path_ && !watch_.mayHaveChanged()) return;
         const std::timespec readAt = now();
         std::string path = storePath();
+        const bool samePath = loaded_ && path == path_;
+        // Armed before the file is looked at, so that a change made from here on is heard of. A
+        // path that cannot be watched is looked at on every read until the path changes.
+        if (!samePath || watching_) watching_ = watch_.arm(path);
         const FileStamp stamp = stampOf(path);
-        if (loaded_ && path == path_ && stamp == stamp_) {
+        if (samePath && stamp == stamp_) {
             if (!isRacy(stamp_, loadedAt_)) return;
             std::string bytes = readFileBytes(path, stamp);
             loadedAt_ = readAt;
@@ -132,6 +164,8 @@ private:
     std::mutex mutex_;
     bool loaded_ = false;
     std::string path_;
+    FileChangeWatch watch_;
+    bool watching_ = false;
     FileStamp stamp_;
     std::timespec loadedAt_{};
     std::string bytes_;
@@ -144,21 +178,17 @@ StoreCache& cache() {
     return *instance;
 }
 
-bool isRoot(std::string_view key) { return normalizeKeyPath(key).empty(); }
-
-const char* nonEmptyEnv(const char* name) {
-    const char* value = std::getenv(name);
-    return value != nullptr && value[0] != '\0' ? value : nullptr;
-}
+bool isRoot(std::string_view key) { return key.find_first_not_of('\\') == std::string_view::npos; }
 
 }  // namespace
 
 std::string storePath() {
-    if (const char* explicitPath = nonEmptyEnv("NVDL_REGISTRY")) return explicitPath;
-    const char* configHome = nonEmptyEnv("XDG_CONFIG_HOME");
-    if (configHome != nullptr && configHome[0] == '/') return std::string(configHome) + "/nvdl/registry.txt";
-    if (const char* home = nonEmptyEnv("HOME")) return std::string(home) + "/.config/nvdl/registry.txt";
-    return {};
+    const StorePathParts parts = storePathParts();
+    std::string path;
+    path.reserve(parts.head.size() + parts.tail.size());
+    path += parts.head;
+    path += parts.tail;
+    return path;
 }
 
 std::optional<std::string> readString(Hive hive, std::string_view key, std::string_view valueName) {

@@ -34,10 +34,6 @@ std::string_view trim(std::string_view s) {
     return s;
 }
 
-bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-    return a.size() == b.size() && foldCase(a) == foldCase(b);
-}
-
 std::optional<Hive> hiveByName(std::string_view name) {
     if (equalsIgnoringCase(name, "HKEY_CURRENT_USER") || equalsIgnoringCase(name, "HKCU")) return Hive::CurrentUser;
     if (equalsIgnoringCase(name, "HKEY_LOCAL_MACHINE") || equalsIgnoringCase(name, "HKLM")) return Hive::LocalMachine;

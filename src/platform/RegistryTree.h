@@ -14,6 +14,7 @@ namespace nvdl::registry {
 
 // Lower-case form of 8-bit text in the system code page, for comparisons ignoring case.
 std::string foldCase(std::string_view text);
+bool equalsIgnoringCase(std::string_view a, std::string_view b);
 
 // The path with empty components dropped ("\\A\\\\B\\" is "A\\B"); empty is the hive's root.
 std::string normalizeKeyPath(std::string_view key);
@@ -37,8 +38,17 @@ public:
     std::vector<std::string> subKeys(Hive hive, std::string_view key) const;
 
 private:
+    // Orders (hive, path) pairs whether the path is held as a string or looked up as a view.
+    struct KeyOrder {
+        using is_transparent = void;
+        template <typename A, typename B>
+        bool operator()(const A& a, const B& b) const {
+            if (a.first != b.first) return a.first < b.first;
+            return std::string_view(a.second) < std::string_view(b.second);
+        }
+    };
     // Keyed by hive and the case-folded normalized path.
-    std::map<std::pair<Hive, std::string>, RegistryKey> keys_;
+    std::map<std::pair<Hive, std::string>, RegistryKey, KeyOrder> keys_;
 };
 
 }  // namespace nvdl::registry

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <atomic>
@@ -187,4 +188,100 @@ TEST_F(RegistryTest, ReadsFromSeveralThreadsWhileTheFileChanges) {
     for (auto& reader : readers) reader.join();
     EXPECT_EQ(badReads, 0);
     EXPECT_EQ(readSetting("MaxBlockSize"), "200");
+}
+
+TEST_F(RegistryTest, ReplacingTheFileByRenameIsSeen) {
+    write(kSettings + "\"MaxBlockSize\"=\"1111\"\n");
+    EXPECT_EQ(readSetting("MaxBlockSize"), "1111");
+    const std::filesystem::path temporary = dir_ / "registry.txt.new";
+    std::ofstream(temporary) << kSettings << "\"MaxBlockSize\"=\"2222\"\n";
+    std::filesystem::rename(temporary, file_);
+    EXPECT_EQ(readSetting("MaxBlockSize"), "2222");
+    // The file read last is written after it was renamed away.
+    std::filesystem::rename(file_, dir_ / "registry.txt.old");
+    std::ofstream(dir_ / "registry.txt.old") << kSettings << "\"MaxBlockSize\"=\"3333\"\n";
+    EXPECT_EQ(readSetting("MaxBlockSize"), "32768");
+}
+
+TEST_F(RegistryTest, FileAndDirectoriesMadeAfterAReadAreSeenAndTheirRemovalToo) {
+    const std::filesystem::path deep = dir_ / "a" / "b" / "registry.txt";
+    env_.set("NVDL_REGISTRY", deep.string());
+    EXPECT_EQ(readSetting("MaxBlockSize"), "32768");
+    std::filesystem::create_directory(dir_ / "a");
+    EXPECT_EQ(readSetting("MaxBlockSize"), "32768");
+    std::filesystem::create_directory(dir_ / "a" / "b");
+    std::ofstream(deep) << kSettings << "\"MaxBlockSize\"=\"512\"\n";
+    EXPECT_EQ(readSetting("MaxBlockSize"), "512");
+    std::filesystem::remove(deep);
+    EXPECT_EQ(readSetting("MaxBlockSize"), "32768");
+    std::ofstream(deep) << kSettings << "\"MaxBlockSize\"=\"1024\"\n";
+    EXPECT_EQ(readSetting("MaxBlockSize"), "1024");
+
+    // A directory on the way is renamed and another one made in its place.
+    std::filesystem::rename(dir_ / "a", dir_ / "old");
+    EXPECT_EQ(readSetting("MaxBlockSize"), "32768");
+    std::ofstream(dir_ / "old" / "b" / "registry.txt") << kSettings << "\"MaxBlockSize\"=\"9\"\n";
+    std::filesystem::create_directories(dir_ / "a" / "b");
+    std::ofstream(deep) << kSettings << "\"MaxBlockSize\"=\"2048\"\n";
+    EXPECT_EQ(readSetting("MaxBlockSize"), "2048");
+    std::filesystem::remove_all(dir_ / "a");
+    EXPECT_EQ(readSetting("MaxBlockSize"), "32768");
+}
+
+TEST_F(RegistryTest, ChangesBehindSymbolicLinksAndOtherNamesAreSeen) {
+    const std::filesystem::path real = dir_ / "real" / "settings.txt";
+    std::filesystem::create_directories(real.parent_path());
+    std::ofstream(real) << kSettings << "\"MaxBlockSize\"=\"100\"\n";
+    // The store is reached through a linked directory and a linked file.
+    std::filesystem::create_directory_symlink("real", dir_ / "linkdir");
+    std::filesystem::create_symlink("linkdir/settings.txt", file_);
+    EXPECT_EQ(readSetting("MaxBlockSize"), "100");
+    std::ofstream(real, std::ios::trunc) << kSettings << "\"MaxBlockSize\"=\"200\"\n";
+    EXPECT_EQ(readSetting("MaxBlockSize"), "200");
+    std::ofstream(dir_ / "real" / "next.txt") << kSettings << "\"MaxBlockSize\"=\"300\"\n";
+    std::filesystem::rename(dir_ / "real" / "next.txt", real);
+    EXPECT_EQ(readSetting("MaxBlockSize"), "300");
+
+    // The linked directory is pointed elsewhere.
+    std::filesystem::create_directories(dir_ / "elsewhere");
+    std::ofstream(dir_ / "elsewhere" / "settings.txt") << kSettings << "\"MaxBlockSize\"=\"400\"\n";
+    std::filesystem::remove(dir_ / "linkdir");
+    std::filesystem::create_directory_symlink(dir_ / "elsewhere", dir_ / "linkdir");
+    EXPECT_EQ(readSetting("MaxBlockSize"), "400");
+
+    // Written in place through a second name of the file in another directory.
+    std::filesystem::create_hard_link(dir_ / "elsewhere" / "settings.txt", dir_ / "real" / "same.txt");
+    std::ofstream(dir_ / "real" / "same.txt", std::ios::trunc) << kSettings << "\"MaxBlockSize\"=\"500\"\n";
+    EXPECT_EQ(readSetting("MaxBlockSize"), "500");
+}
+
+TEST_F(RegistryTest, AChangedStorePathIsSeenOnTheNextRead) {
+    std::filesystem::create_directories(dir_ / "x" / "nvdl");
+    std::filesystem::create_directories(dir_ / "y" / "nvdl");
+    std::ofstream(dir_ / "x" / "nvdl" / "registry.txt") << kSettings << "\"MaxBlockSize\"=\"1\"\n";
+    std::ofstream(dir_ / "y" / "nvdl" / "registry.txt") << kSettings << "\"MaxBlockSize\"=\"2\"\n";
+    write(kSettings + "\"MaxBlockSize\"=\"3\"\n");
+    EXPECT_EQ(readSetting("MaxBlockSize"), "3");
+    env_.set("NVDL_REGISTRY", std::nullopt);
+    env_.set("XDG_CONFIG_HOME", (dir_ / "x").string());
+    EXPECT_EQ(readSetting("MaxBlockSize"), "1");
+    env_.set("XDG_CONFIG_HOME", (dir_ / "y").string());
+    EXPECT_EQ(readSetting("MaxBlockSize"), "2");
+    env_.set("NVDL_REGISTRY", file_.string());
+    EXPECT_EQ(readSetting("MaxBlockSize"), "3");
+    env_.set("NVDL_REGISTRY", (dir_ / "y" / "nvdl" / "registry.txt").string());
+    EXPECT_EQ(readSetting("MaxBlockSize"), "2");
+}
+
+TEST_F(RegistryTest, AChildProcessLeavesTheParentItsNoticesOfChange) {
+    write(kSettings + "\"MaxBlockSize\"=\"10\"\n");
+    EXPECT_EQ(readSetting("MaxBlockSize"), "10");
+    write(kSettings + "\"MaxBlockSize\"=\"20\"\n");
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) ::_exit(readSetting("MaxBlockSize") == "20" ? 0 : 1);
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+    EXPECT_EQ(readSetting("MaxBlockSize"), "20");
 }
