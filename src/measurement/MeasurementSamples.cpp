@@ -51,7 +51,7 @@ HRESULT CMeasurement::resizeBlock(LONG m) {
     }
     const std::size_t n = static_cast<std::size_t>(m);
     // A vector that existed keeps its first values and the rest is zeroed; a new one is left as
-    // allocated. A record shrinking to one block gives its memory back.
+    // allocated. Fresh arrays, so that a record shrinking to one block gives its memory back.
     auto kept = [n](SampleVector& vector) {
         if (vector.empty()) vector.allocate(n);
         else vector.resize(n, 0.0f);

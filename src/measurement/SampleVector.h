@@ -78,17 +78,16 @@ public:
         if (n > 0) std::copy(first, last, array);
         SampleVector(array, n).swap(*this);
     }
-    // Keeps the first elements up to n; elements beyond the old length are `fill`. The array is
-    // reallocated in place where it can be, so a shrinking vector gives its tail back uncopied.
+    // Keeps the first elements up to n; elements beyond the old length are `fill`. The values move
+    // to a fresh array, so a vector that shrinks gives its whole old array back.
     void resize(std::size_t n, float fill = 0.0f) {
         if (n == m_size) return;
         if (n == 0) return clear();
-        if (n > static_cast<std::size_t>(-1) / sizeof(float)) throw std::bad_alloc();
-        void* array = std::realloc(m_data, n * sizeof(float));
-        if (!array) throw std::bad_alloc();
-        m_data = static_cast<float*>(array);
-        if (n > m_size) std::fill(m_data + m_size, m_data + n, fill);
-        m_size = n;
+        float* array = fresh(n);
+        const std::size_t kept = std::min(n, m_size);
+        if (kept > 0) std::copy_n(m_data, kept, array);
+        if (n > kept) std::fill(array + kept, array + n, fill);
+        SampleVector(array, n).swap(*this);
     }
     // Takes over an array of n floats allocated with malloc; it is freed with free.
     void adopt(float* array, std::size_t n) noexcept { SampleVector(array, n).swap(*this); }
