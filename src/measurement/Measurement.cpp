@@ -1,7 +1,10 @@
 // CMeasurement: life cycle, identity, naming, parent and the Modified climb.
 #include "measurement/Measurement.h"
 
+#include <array>
 #include <ctime>
+#include <limits>
+#include <optional>
 
 #include "frame/ClassTable.h"
 #include "frame/LateBound.h"
@@ -23,6 +26,12 @@ DATE localNow() {
     return dateFromParts(local.tm_year + 1900, local.tm_mon + 1, local.tm_mday, local.tm_hour, local.tm_min, local.tm_sec);
 }
 
+// The block size a "MaxBlockSize" setting gives: 32768 when it is absent, unreadable or below 1.
+LONG maxBlockSizeFrom(const std::optional<std::string>& setting) {
+    const long value = setting ? std::atol(setting->c_str()) : 0;
+    return value >= 1 && value <= std::numeric_limits<LONG>::max() ? static_cast<LONG>(value) : 32768;
+}
+
 // An internal identity: answers the CMeasurement itself, without a reference.
 constexpr IID IID_CMeasurementImpl{0x7c1e2f90, 0x5a3b, 0x4d21, {0x8e, 0x44, 0x10, 0x9b, 0x6f, 0x2a, 0xd3, 0x57}};
 
@@ -39,10 +48,13 @@ CMeasurement::CMeasurement(bool sized) : CObjectFrame(IID_IMeasurement) {
     m_optimizedXStart = m_xStart;
     if (!sized) return;  // a copy takes its time, block size and paging settings from its source
     m_measurementTime = localNow();
-    m_maxBlockSize = 0;
-    CheckRegistryMaxBlockSize();
-    std::string longFile = registry::readSetting("LongFileFeature").value_or("0");
-    m_longFileFeature = std::atol(longFile.c_str()) != 0 ? 1 : 0;
+    // Both settings from one look at the store: a new measurement is made for every block of a
+    // block-wise analysis.
+    constexpr std::array<std::string_view, 2> names{"MaxBlockSize", "LongFileFeature"};
+    std::array<std::optional<std::string>, 2> values;
+    registry::readSettings(names, values);
+    m_maxBlockSize = maxBlockSizeFrom(values[0]);
+    m_longFileFeature = std::atol(values[1].value_or("0").c_str()) != 0 ? 1 : 0;
     m_fileSamples = m_maxBlockSize;
     put_Size(m_maxBlockSize);
 }
@@ -84,8 +96,7 @@ HRESULT CMeasurement::queryCompanion(REFIID riid, void** ppv) {
 
 HRESULT CMeasurement::CheckRegistryMaxBlockSize() {
     if (m_maxBlockSize > 0) return S_OK;
-    long value = std::atol(registry::readSetting("MaxBlockSize").value_or("32768").c_str());
-    m_maxBlockSize = value >= 1 ? static_cast<LONG>(value) : 32768;
+    m_maxBlockSize = maxBlockSizeFrom(registry::readSetting("MaxBlockSize"));
     return S_OK;
 }
 

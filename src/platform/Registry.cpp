@@ -222,4 +222,13 @@ std::optional<std::string> readSetting(std::string_view valueName) {
     return readString(Hive::CurrentUser, kSettingsKey, valueName);
 }
 
+void readSettings(std::span<const std::string_view> valueNames, std::span<std::optional<std::string>> values) {
+    cache().withTree([&](const RegistryTree& tree) {
+        for (std::size_t i = 0; i < valueNames.size() && i < values.size(); ++i) {
+            const std::string* value = tree.findValue(Hive::CurrentUser, kSettingsKey, valueNames[i]);
+            values[i] = value ? std::optional<std::string>(*value) : std::nullopt;
+        }
+    });
+}
+
 }  // namespace nvdl::registry

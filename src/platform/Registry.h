@@ -9,6 +9,7 @@
 #pragma once
 
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -31,6 +32,9 @@ std::vector<std::string> valueNames(Hive hive, std::string_view key);
 
 // A value under kSettingsKey of the current user.
 std::optional<std::string> readSetting(std::string_view valueName);
+// Several values under kSettingsKey of the current user, all from one state of the file (and one
+// look at whether it changed): values[i] answers valueNames[i]. The spans have the same length.
+void readSettings(std::span<const std::string_view> valueNames, std::span<std::optional<std::string>> values);
 
 // The path of the file the store reads now; empty when no path can be made (no HOME either).
 std::string storePath();

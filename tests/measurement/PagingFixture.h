@@ -36,17 +36,21 @@ protected:
                             << "\"MaxBlockSize\"=\"" << maxBlockSize << "\"\n"
                             << "\"LongFileFeature\"=\"" << (longFileFeature ? 1 : 0) << "\"\n"
                             << "\"UnitService\"=\"0\"\n";
-        if (const char* old = std::getenv("NVDL_REGISTRY")) oldRegistry_ = old;
+        if (!registrySaved_) {
+            if (const char* old = std::getenv("NVDL_REGISTRY")) oldRegistry_ = old;
+            registrySaved_ = true;
+        }
         setenv("NVDL_REGISTRY", file.c_str(), 1);
     }
     void TearDown() override {
-        if (oldRegistry_) setenv("NVDL_REGISTRY", oldRegistry_->c_str(), 1);
-        else unsetenv("NVDL_REGISTRY");
+        if (registrySaved_ && oldRegistry_) setenv("NVDL_REGISTRY", oldRegistry_->c_str(), 1);
+        else if (registrySaved_) unsetenv("NVDL_REGISTRY");
         if (!dir_.empty()) std::filesystem::remove_all(dir_);
     }
 
     std::filesystem::path dir_;
     std::optional<std::string> oldRegistry_;
+    bool registrySaved_ = false;
 };
 
 // A read-only stream of a stored header followed by generated samples, never held in memory.

@@ -2,6 +2,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <array>
 #include <atomic>
 #include <filesystem>
 #include <fstream>
@@ -125,6 +126,14 @@ TEST_F(RegistryTest, DefaultsLieUnderTheFile) {
     write("[HKCU\\SOFTWARE\\Norvane Instruments\\Sonvara\\CurrentVersion\\Settings]\n\"maxblocksize\"=\"4096\"\n");
     EXPECT_EQ(readSetting("MaxBlockSize"), "4096");
     EXPECT_EQ(readSetting("LongFileFeature"), "0");
+
+    // Several at once answer in the order asked, each as a single read would.
+    const std::array<std::string_view, 3> names{"LongFileFeature", "ImportAllTRCFlag", "maxBLOCKsize"};
+    std::array<std::optional<std::string>, 3> values{"stale", "stale", "stale"};
+    readSettings(names, values);
+    EXPECT_EQ(values[0], "0");
+    EXPECT_EQ(values[1], std::nullopt);
+    EXPECT_EQ(values[2], "4096");
 }
 
 TEST_F(RegistryTest, EveryReadSeesTheFileAsItIsNow) {
