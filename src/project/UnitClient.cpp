@@ -1,5 +1,8 @@
 #include "project/UnitClient.h"
 
+#include <cstdlib>
+#include <string_view>
+
 #include "frame/LateBound.h"
 #include "platform/Bstr.h"
 #include "platform/CodePage.h"
@@ -14,9 +17,12 @@ namespace {
 
 IUnitService* g_unitService = nullptr;  // the module's one reference
 
+// NVDL_UNIT_SERVICE=0 stands for a system where the unit service is not running and cannot be
+// started. It is looked at on every use, as the running objects would be, and costs no system call:
+// the dimension rules of the operators ask for the service on every block of a block-wise analysis.
 bool serviceSwitchedOff() {
-    std::optional<std::string> setting = registry::readSetting("UnitService");
-    return setting && *setting == "0";
+    const char* setting = std::getenv("NVDL_UNIT_SERVICE");
+    return setting != nullptr && std::string_view(setting) == "0";
 }
 
 template <class Interface>

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "../platform/EnvGuard.h"
 #include "measurement/Measurement.h"
 #include "platform/Persist.h"
 #include "platform/Registry.h"
@@ -34,23 +35,17 @@ protected:
         std::filesystem::path file = dir_ / "registry.txt";
         std::ofstream(file) << "[HKEY_CURRENT_USER\\" << registry::kSettingsKey << "]\n"
                             << "\"MaxBlockSize\"=\"" << maxBlockSize << "\"\n"
-                            << "\"LongFileFeature\"=\"" << (longFileFeature ? 1 : 0) << "\"\n"
-                            << "\"UnitService\"=\"0\"\n";
-        if (!registrySaved_) {
-            if (const char* old = std::getenv("NVDL_REGISTRY")) oldRegistry_ = old;
-            registrySaved_ = true;
-        }
-        setenv("NVDL_REGISTRY", file.c_str(), 1);
+                            << "\"LongFileFeature\"=\"" << (longFileFeature ? 1 : 0) << "\"\n";
+        env_.set("NVDL_REGISTRY", file.string());
+        env_.set("NVDL_UNIT_SERVICE", "0");
     }
     void TearDown() override {
-        if (registrySaved_ && oldRegistry_) setenv("NVDL_REGISTRY", oldRegistry_->c_str(), 1);
-        else if (registrySaved_) unsetenv("NVDL_REGISTRY");
+        env_.restore();
         if (!dir_.empty()) std::filesystem::remove_all(dir_);
     }
 
     std::filesystem::path dir_;
-    std::optional<std::string> oldRegistry_;
-    bool registrySaved_ = false;
+    EnvGuard env_;
 };
 
 // A read-only stream of a stored header followed by generated samples, never held in memory.

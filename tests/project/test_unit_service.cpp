@@ -186,7 +186,7 @@ TEST_F(UnitServiceTest, CreateDimensionBuildsFromItsFourProperties) {
 TEST_F(UnitServiceTest, SwitchedOffServiceAnswersNothingAndRaisesNothing) {
     Ref before(DimensionFromText("m", false));
     ASSERT_TRUE(before.p);
-    settings("\"UnitService\"=\"0\"\n");
+    env_.set("NVDL_UNIT_SERVICE", "0");
     EXPECT_EQ(GetUnitService(), nullptr);
     EXPECT_EQ(GetOrCreateUnitService(), nullptr);
     EXPECT_EQ(GetDimensions(), nullptr);
@@ -199,7 +199,7 @@ TEST_F(UnitServiceTest, SwitchedOffServiceAnswersNothingAndRaisesNothing) {
     EXPECT_EQ(SquareRootDimension(before.p), nullptr);
     EXPECT_EQ(UnitOfDimension(before.p, "m"), nullptr);
     EXPECT_EQ(peekErrorInfo(), nullptr);
-    settings("\"UnitService\"=\"1\"\n");
+    env_.set("NVDL_UNIT_SERVICE", "1");
     Ref back(GetUnitService());
     EXPECT_TRUE(back.p);  // the module's instance was kept
 }
