@@ -40,6 +40,13 @@ public:
     enum class State { None, Alive, Dead };
 
     void set(IDispatch* parent);
+    // The object that embeds the holder of this reference: it lives as long as the holder, so it is
+    // kept without watching its life (and without making it a life token).
+    void setEnclosing(IDispatch* parent) {
+        m_parent = parent;
+        m_token.reset();
+        m_watched = false;
+    }
     void clear() { set(nullptr); }
     // The parent if it lives. A dead parent is cleared, so the next look costs nothing.
     State check();

@@ -109,7 +109,11 @@ ULONG CObjectCollection::Release() {
 }
 
 void CObjectCollection::SetOwner(IDispatch* owner) {
-    m_owner.set(owner);
+    if (m_detached) {
+        m_owner.set(owner);
+    } else {
+        m_owner.setEnclosing(owner);
+    }
     m_hasOwner = owner != nullptr;
 }
 

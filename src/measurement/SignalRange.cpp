@@ -74,8 +74,12 @@ ULONG CSignalRange::Release() {
 }
 
 void CSignalRange::SetOwner(IDispatch* measurement) {
-    if (!m_detached) m_host = measurement;
-    m_owner.set(measurement);
+    if (m_detached) {
+        m_owner.set(measurement);
+    } else {
+        m_host = measurement;
+        m_owner.setEnclosing(measurement);
+    }
 }
 
 HRESULT CSignalRange::store(double& field, double value) {
