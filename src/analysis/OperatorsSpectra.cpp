@@ -176,7 +176,7 @@ HRESULT CMeasurement::Psd(IMeasurement* other, IMeasurement** result) {
         progress = 3;
         // One-sided peak spectra: half the squared amplitude is the power, spread over the window's
         // noise bandwidth.
-        const double scale = 1.0 / (2.0 * m_bandwidthCorrectionFactor);
+        const float scale = static_cast<float>(1.0 / (2.0 * m_bandwidthCorrectionFactor));
         for (float* part : {record.real, record.imag})
             if (part) daScaleFloats(part, part, record.length, scale);
         OperatorFrame::adopt(r, record);

@@ -54,17 +54,18 @@ long daFft(daVector time, daVector* spectrum)
     const float* p = imsl_f_fft_real_into_setup(n, time.real, setupForLength(n));
     if (p == nullptr)
         return daFail("%s : Forward FFT (imsl_f_fft_real) failed {%s,%d}", "daFft", kDaUnit, __LINE__);
+    // The product of two floats rounds in float as it would from double, so the scaling is done in
+    // float, where it vectorises.
     const float g = 2.0f / static_cast<float>(n);
-    const double factor = g;
     float* re = spectrum->real;
     float* im = spectrum->imag;
-    re[0] = static_cast<float>(factor * p[0] * 0.5);
+    re[0] = g * p[0] * 0.5f;
     im[0] = 0.0f;
     for (long k = 1; k < n / 2; ++k) {
-        re[k] = static_cast<float>(factor * p[2 * k - 1]);
-        im[k] = static_cast<float>(factor * p[2 * k]);
+        re[k] = g * p[2 * k - 1];
+        im[k] = g * p[2 * k];
     }
-    re[n / 2] = static_cast<float>(factor * p[n - 1] * 0.5);
+    re[n / 2] = g * p[n - 1] * 0.5f;
     im[n / 2] = 0.0f;
     return 0;
 }

@@ -44,19 +44,19 @@ long daPsd(daVector a, daVector b, daVector* psd, float deltaFrequency)
     daClearOutput(psd);
     if (daAllocOutput("daPsd", psd, a.length, true, __LINE__))
         return 1;
-    const double perHz = 1.0 / deltaFrequency;
+    // In single precision, as the spectra are.
+    const float perHz = static_cast<float>(1.0 / deltaFrequency);
     if (a.imag != nullptr && b.imag != nullptr) {
-        // The common case, two complex spectra.
         daConjugateProduct(a.real, a.imag, b.real, b.imag, psd->real, psd->imag, a.length, perHz);
         return 0;
     }
     for (long i = 0; i < a.length; ++i) {
-        double ar = a.real[i];
-        double ai = daImagAt(a, i);
-        double br = b.real[i];
-        double bi = daImagAt(b, i);
-        psd->real[i] = static_cast<float>((br * ar + bi * ai) * perHz);
-        psd->imag[i] = static_cast<float>((bi * ar - br * ai) * perHz);
+        const float ar = a.real[i];
+        const float ai = static_cast<float>(daImagAt(a, i));
+        const float br = b.real[i];
+        const float bi = static_cast<float>(daImagAt(b, i));
+        psd->real[i] = (br * ar + bi * ai) * perHz;
+        psd->imag[i] = (bi * ar - br * ai) * perHz;
     }
     return 0;
 }

@@ -1,7 +1,10 @@
 // Cross-spectral density, its running average, frequency response and coherence.
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 #include "KernelVector.h"
+#include "RandomSignal.h"
 
 using namespace nvdl::test;
 
@@ -29,6 +32,28 @@ TEST_F(SpectralEstimates, PsdIsTheConjugateProductOverTheFrequencyStep)
     EXPECT_EQ(daPsd(view(ar, ai), view(one), psd.out(), 1.0f), 1);
     EXPECT_TRUE(lastError().starts_with("daPsd : Input spectra lengths (2 & 1) should be equal"));
     EXPECT_EQ(psd.v.length, 2);  // rejected calls leave the earlier result
+}
+
+TEST_F(SpectralEstimates, PsdOfLongSpectraMatchesADoubleReferenceAndAnAutopowerIsReal)
+{
+    // An odd length runs the vector loop and its remainder.
+    const size_t n = 1001;
+    std::vector<float> ar = randomFloats(n, 1), ai = randomFloats(n, 2);
+    std::vector<float> br = randomFloats(n, 3), bi = randomFloats(n, 4);
+    const float df = 0.3f;
+    OwnedVector cross, autopower;
+    ASSERT_EQ(daPsd(view(ar, ai), view(br, bi), cross.out(), df), 0);
+    ASSERT_EQ(daPsd(view(ar, ai), view(ar, ai), autopower.out(), df), 0);
+    for (size_t i = 0; i < n; ++i) {
+        const double re = (double(br[i]) * ar[i] + double(bi[i]) * ai[i]) / df;
+        const double im = (double(bi[i]) * ar[i] - double(br[i]) * ai[i]) / df;
+        const double size = (std::abs(double(ar[i])) + std::abs(double(ai[i]))) *
+                            (std::abs(double(br[i])) + std::abs(double(bi[i]))) / df;
+        ASSERT_NEAR(cross.real()[i], re, 1e-6 * size) << i;
+        ASSERT_NEAR(cross.imag()[i], im, 1e-6 * size) << i;
+        ASSERT_EQ(autopower.imag()[i], 0.0f) << i;
+        ASSERT_NEAR(autopower.real()[i], (double(ar[i]) * ar[i] + double(ai[i]) * ai[i]) / df, 1e-6 * size) << i;
+    }
 }
 
 TEST_F(SpectralEstimates, AvgPsdBlendsWithOppositeImaginarySign)
