@@ -41,6 +41,11 @@ inline bool axisHasXVector(LONG axis) { return axis >= kAxisCategories && axis <
 
 class CMeasurement final : public CObjectFrame<IMeasurement> {
 public:
+    // Every operator makes a new measurement, and a block-wise analysis runs operators on each
+    // block: their memory is recycled.
+    static void* operator new(std::size_t size);
+    static void operator delete(void* block, std::size_t size) noexcept;
+
     static IDispatch* create();
     static CMeasurement* createMeasurement();
     // A measurement without samples, to be filled by a copy (the copy constructor's start).
