@@ -92,11 +92,17 @@ void countForksFromNowOn() {
 FileChangeWatch::FileChangeWatch() {
     countForksFromNowOn();
     forkGeneration_ = forkCount.load(std::memory_order_relaxed);
-    inotify_ = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    openQueue();
 }
 
 FileChangeWatch::~FileChangeWatch() {
+    readiness_.close();
     if (inotify_ >= 0) ::close(inotify_);
+}
+
+void FileChangeWatch::openQueue() {
+    inotify_ = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (inotify_ >= 0) readiness_.open(inotify_);
 }
 
 bool FileChangeWatch::hasOwnQueue() {
@@ -104,8 +110,9 @@ bool FileChangeWatch::hasOwnQueue() {
     if (generation != forkGeneration_) {
         // Closing leaves the parent's watches alone; removing them would not.
         forkGeneration_ = generation;
+        readiness_.close();
         if (inotify_ >= 0) ::close(inotify_);
-        inotify_ = ::inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+        openQueue();
         watched_.clear();
         armed_ = false;
     }
@@ -117,6 +124,7 @@ bool FileChangeWatch::arm(const std::string& path) {
     if (!hasOwnQueue()) return false;
     // Queued notices are about the file before the caller reads it. Watches added from here on
     // keep every notice that matters.
+    readiness_.settle();
     drainNotices();
     std::vector<Watched> previous = std::exchange(watched_, {});
     const bool watchable = watchAlongPath(path);
@@ -134,6 +142,9 @@ bool FileChangeWatch::arm(const std::string& path) {
 
 bool FileChangeWatch::mayHaveChanged() {
     if (!hasOwnQueue() || !armed_ || changed_) return true;
+    if (readiness_.quiet()) return false;
+    // Marks taken in before the queue is looked at, so that a notice after the look marks anew.
+    readiness_.settle();
     // Asking for the queued size is cheaper than a read that finds nothing.
     int queuedBytes = 0;
     if (::ioctl(inotify_, FIONREAD, &queuedBytes) == 0 && queuedBytes == 0) return false;

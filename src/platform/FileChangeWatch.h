@@ -16,6 +16,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/ReadinessRing.h"
+
 namespace nvdl {
 
 class FileChangeWatch {
@@ -47,6 +49,7 @@ private:
     // After a fork the queue is shared with the parent: the child drops it and opens its own.
     // False when there is no queue.
     bool hasOwnQueue();
+    void openQueue();
     bool watchAlongPath(const std::string& path);
     // Adds `mask` to the watch on `path`; the index in watched_, or -1 with errno set.
     int watch(const std::string& path, std::uint32_t mask);
@@ -56,6 +59,8 @@ private:
     bool drainNotices();
 
     int inotify_ = -1;
+    // Tells the polling thread that the queue is still empty without asking the kernel.
+    ReadinessRing readiness_;
     unsigned forkGeneration_ = 0;
     bool armed_ = false;
     bool changed_ = false;
