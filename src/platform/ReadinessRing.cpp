@@ -41,7 +41,7 @@ const void* thisThread() {
 std::uint64_t threadsEnded() { return endedThreads.load(std::memory_order_acquire); }
 
 std::uint32_t loadAcquire(const std::uint32_t* word) {
-    return std::atomic_ref<const std::uint32_t>(*word).load(std::memory_order_acquire);
+    return std::atomic_ref<std::uint32_t>(*const_cast<std::uint32_t*>(word)).load(std::memory_order_acquire);
 }
 
 void storeRelease(std::uint32_t* word, std::uint32_t value) {
