@@ -6,6 +6,8 @@
 // is the file itself when it exists (written through another name, attributes changed). A symbolic
 // link on the way is watched as an entry and followed. The kernel queues the notice of a change in
 // the system call that makes it, so a change finished before mayHaveChanged starts is reported.
+// On the thread that made the watch, an empty queue is told by a readiness ring without a system
+// call; elsewhere, and where there is no ring, the queue's size is asked for.
 //
 // Not thread-safe: one owner, or a lock around it. A child process after fork gets a watch of its
 // own on the next call, so it never takes the parent's notices.
