@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <cstring>
 
 namespace nvdl {
@@ -159,7 +160,7 @@ void ReadinessRing::settle() {
         open(watched_);
     } else {
         takeIn();
-        if (!polling_) placePoll();
+        if (ring_ >= 0 && !polling_) placePoll();
     }
     // What a new poll posted at once (for a descriptor readable already) is taken in too: the
     // caller reads the descriptor after this.
@@ -167,9 +168,11 @@ void ReadinessRing::settle() {
 }
 
 void ReadinessRing::takeIn() {
+    if (ring_ < 0) return;
     // The polling thread lets the kernel finish the work waiting for it, which posts completions
     // and clears the flag. Another thread cannot run that work; it takes in what is posted.
     const bool runsWork = trustedHere();
+    bool refused = false;
     // Completions that did not fit the ring wait in the kernel and come in as room is made.
     for (int round = 0; round < kOverflowRounds; ++round) {
         if (runsWork || (loadAcquire(sqFlags_) & IORING_SQ_CQ_OVERFLOW) != 0) enter(ring_, 0, IORING_ENTER_GETEVENTS);
@@ -177,12 +180,17 @@ void ReadinessRing::takeIn() {
         const std::uint32_t tail = loadAcquire(cqTail_);
         for (; head != tail; ++head) {
             const io_uring_cqe& done = cqes_[head & cqMask_];
-            // A completion of the poll without "more" is its last: it ended.
-            if (done.user_data == kPollTag && (done.flags & IORING_CQE_F_MORE) == 0) polling_ = false;
+            // A completion of the poll without "more" is its last: it ended. A kernel without
+            // standing polls refuses it at once.
+            if (done.user_data == kPollTag && (done.flags & IORING_CQE_F_MORE) == 0) {
+                polling_ = false;
+                refused = refused || (done.res < 0 && done.res != -ECANCELED);
+            }
         }
         storeRelease(cqHead_, tail);
         if ((loadAcquire(sqFlags_) & IORING_SQ_CQ_OVERFLOW) == 0) break;
     }
+    if (refused) close();
 }
 
 }  // namespace nvdl

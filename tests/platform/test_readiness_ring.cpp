@@ -108,5 +108,18 @@ TEST_F(ReadinessRingTest, APollWhoseThreadEndedIsPlacedAgain) {
     EXPECT_TRUE(ring_.quiet());
 }
 
+TEST(ReadinessRing, APollTheKernelRefusesLeavesTheRingClosed) {
+    int pipeEnds[2];
+    ASSERT_EQ(::pipe2(pipeEnds, O_CLOEXEC), 0);
+    ::close(pipeEnds[0]);
+    ::close(pipeEnds[1]);
+    ReadinessRing ring;
+    ring.open(pipeEnds[0]);  // a closed descriptor: the poll is refused with the first completion
+    ring.settle();
+    EXPECT_FALSE(ring.quiet());
+    ring.settle();
+    EXPECT_FALSE(ring.quiet());
+}
+
 }  // namespace
 }  // namespace nvdl
