@@ -33,7 +33,7 @@ public:
         return ::operator new(size);
     }
 
-    static void give(void* block, std::size_t size) noexcept {
+    static void give(void* block, [[maybe_unused]] std::size_t size) noexcept {
 #if NVDL_RECYCLE_BLOCKS
         Shelf& shelf = Shelf::mine();
         if (size == BlockSize && shelf.open && shelf.count < Kept) {
@@ -41,7 +41,7 @@ public:
             return;
         }
 #endif
-        ::operator delete(block, size);
+        ::operator delete(block);
     }
 
 private:
@@ -62,7 +62,7 @@ private:
         Shelf& shelf;
         ~Closer() {
             shelf.open = false;
-            while (shelf.count > 0) ::operator delete(shelf.blocks[--shelf.count], BlockSize);
+            while (shelf.count > 0) ::operator delete(shelf.blocks[--shelf.count]);
         }
     };
 };
