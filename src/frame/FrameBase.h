@@ -47,6 +47,8 @@ public:
         m_token.reset();
         m_watched = false;
     }
+    // An embedded part's owner is its enclosing object; a detached part watches its owner's life.
+    void setOwner(IDispatch* owner, bool embedded) { embedded ? setEnclosing(owner) : set(owner); }
     void clear() { set(nullptr); }
     // The parent if it lives. A dead parent is cleared, so the next look costs nothing.
     State check();

@@ -109,11 +109,7 @@ ULONG CObjectCollection::Release() {
 }
 
 void CObjectCollection::SetOwner(IDispatch* owner) {
-    if (m_detached) {
-        m_owner.set(owner);
-    } else {
-        m_owner.setEnclosing(owner);
-    }
+    m_owner.setOwner(owner, !m_detached);
     m_hasOwner = owner != nullptr;
 }
 

@@ -74,12 +74,8 @@ ULONG CSignalRange::Release() {
 }
 
 void CSignalRange::SetOwner(IDispatch* measurement) {
-    if (m_detached) {
-        m_owner.set(measurement);
-    } else {
-        m_host = measurement;
-        m_owner.setEnclosing(measurement);
-    }
+    if (!m_detached) m_host = measurement;
+    m_owner.setOwner(measurement, !m_detached);
 }
 
 HRESULT CSignalRange::store(double& field, double value) {

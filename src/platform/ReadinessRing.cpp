@@ -160,7 +160,7 @@ void ReadinessRing::settle() {
         open(watched_);
     } else {
         takeIn();
-        if (ring_ >= 0 && !polling_) placePoll();
+        if (ring_ < 0 || polling_ || !placePoll()) return;
     }
     // What a new poll posted at once (for a descriptor readable already) is taken in too: the
     // caller reads the descriptor after this.
