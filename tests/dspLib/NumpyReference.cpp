@@ -1,14 +1,12 @@
-// Exchanges arrays with a numpy script through raw little-endian float64 files in a temporary
-// directory.
+// Exchanges arrays with a numpy script through raw float64 files in a temporary directory (the
+// test machines are little-endian, as numpy's '<f8').
 #include "NumpyReference.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <unistd.h>
 
 namespace fs = std::filesystem;
@@ -34,20 +32,15 @@ struct TemporaryDirectory {
 
 void writeDoubles(const fs::path& file, const std::vector<double>& values)
 {
-    std::ofstream out(file, std::ios::binary);
-    for (double v : values) {
-        unsigned char bytes[sizeof(double)];
-        std::memcpy(bytes, &v, sizeof v);  // the test machines are little-endian, as numpy's '<f8'
-        out.write(reinterpret_cast<const char*>(bytes), sizeof bytes);
-    }
+    const auto bytes = static_cast<std::streamsize>(values.size() * sizeof(double));
+    std::ofstream(file, std::ios::binary).write(reinterpret_cast<const char*>(values.data()), bytes);
 }
 
 std::vector<double> readDoubles(const fs::path& file)
 {
-    std::ifstream in(file, std::ios::binary);
-    std::vector<char> bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    std::vector<double> values(bytes.size() / sizeof(double));
-    std::memcpy(values.data(), bytes.data(), values.size() * sizeof(double));
+    std::vector<double> values(fs::file_size(file) / sizeof(double));
+    const auto bytes = static_cast<std::streamsize>(values.size() * sizeof(double));
+    std::ifstream(file, std::ios::binary).read(reinterpret_cast<char*>(values.data()), bytes);
     return values;
 }
 
@@ -60,11 +53,9 @@ std::vector<double> runNumpy(const std::string& body, const std::vector<std::vec
         ADD_FAILURE() << "cannot create a temporary directory";
         return {};
     }
-    std::ofstream script(dir.path / "reference.py");
-    script << "import sys\nimport numpy as np\n"
-              "inputs = [np.fromfile(p, dtype='<f8') for p in sys.argv[2:]]\n"
-           << body << "\nnp.asarray(result, dtype='<f8').ravel().tofile(sys.argv[1])\n";
-    script.close();
+    std::ofstream(dir.path / "reference.py")
+        << "import sys\nimport numpy as np\ninputs = [np.fromfile(p, dtype='<f8') for p in sys.argv[2:]]\n" << body
+        << "\nnp.asarray(result, dtype='<f8').ravel().tofile(sys.argv[1])\n";
     std::string command = "/usr/bin/python3 " + (dir.path / "reference.py").string() + " " +
                           (dir.path / "result.bin").string();
     for (size_t i = 0; i < inputs.size(); ++i) {

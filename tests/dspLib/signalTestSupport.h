@@ -1,8 +1,6 @@
-// Helpers of the signal function tests: owned output records, views on test data and the checks
-// of a rejected call.
+// The checks of a rejected kernel call: its status, the flag and the message it leaves.
 #pragma once
 
-#include <cstdlib>
 #include <functional>
 #include <string>
 #include <vector>
@@ -10,14 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "KernelVector.h"
-#include "nvdl/daSignal.h"
 
-namespace signaltest {
-
-using nvdl::test::errorFlag;
-using nvdl::test::lastError;
-using nvdl::test::OwnedVector;
-using nvdl::test::view;
+namespace nvdl::test {
 
 // One rejected call: what it returns and the message it leaves, up to its "{unit,line}" tail.
 struct FailureCase {
@@ -58,4 +50,11 @@ constexpr bool kHugeAllocationsFail = true;
 // An element count whose byte size still fits a long but that no allocator can provide.
 constexpr long kUnallocatable = 0x7fffffffffffffffL / 4;
 
-}  // namespace signaltest
+// `call` asks `function` for kUnallocatable floats and must report that the allocation failed.
+inline void expectAllocationFailure(const std::string& function, const std::function<long()>& call)
+{
+    if (kHugeAllocationsFail)
+        expectFailures({{"allocation", call, function + " : Memory allocation (9223372036854775804 bytes) failed"}});
+}
+
+}  // namespace nvdl::test

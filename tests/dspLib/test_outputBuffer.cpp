@@ -6,7 +6,7 @@
 
 #include "signalTestSupport.h"
 
-using namespace signaltest;
+using namespace nvdl::test;
 
 namespace {
 
@@ -50,26 +50,22 @@ TEST(OutputBuffer, PeakOfZeroIsTakenFromTheData)
 
 TEST(OutputBuffer, WordsSaturateAsymmetrically)
 {
-    // With scale 1 the sample is v = 2^23 · x.
-    const double unit = 1.0 / 8388608.0;
-    std::vector<float> samples = {static_cast<float>(40000 * unit),   static_cast<float>(-40000 * unit),
-                                  static_cast<float>(-32767 * unit),  static_cast<float>(-32768 * unit),
-                                  static_cast<float>(4194303 * unit), static_cast<float>(4194304 * unit),
-                                  static_cast<float>(1.5 * unit),     static_cast<float>(-1.5 * unit),
-                                  0.9f};
+    // With scale 1 a sample x is v = 2^23 · x, truncated and placed in the top 24 bits of the word.
+    const struct {
+        double v;
+        std::int32_t word;
+    } cases[] = {{40000, 40000 * 256},     {-40000, word(0x80000000u)},  {-32767, -32767 * 256},
+                 {-32768, word(0x80000000u)}, {4194303, 4194303 * 256}, {4194304, word(0x40000000u)},
+                 {1.5, 256},               {-1.5, -256},                {0.9 * 8388608.0, word(0x40000000u)}};
+    std::vector<float> samples;
+    for (const auto& c : cases)
+        samples.push_back(static_cast<float>(c.v / 8388608.0));
     std::vector<std::int32_t> words(samples.size());
     float scale = 0.0f;
     ASSERT_EQ(daOutputBuffer(view(samples), 1.0f, &scale, words.data(), 2.0f), 0);
     ASSERT_EQ(scale, 1.0f);
-    EXPECT_EQ(words[0], 40000 * 256);
-    EXPECT_EQ(words[1], word(0x80000000u));
-    EXPECT_EQ(words[2], -32767 * 256);
-    EXPECT_EQ(words[3], word(0x80000000u));
-    EXPECT_EQ(words[4], 4194303 * 256);
-    EXPECT_EQ(words[5], word(0x40000000u));
-    EXPECT_EQ(words[6], 1 * 256);
-    EXPECT_EQ(words[7], -1 * 256);
-    EXPECT_EQ(words[8], word(0x40000000u));
+    for (size_t i = 0; i < samples.size(); ++i)
+        EXPECT_EQ(words[i], cases[i].word) << cases[i].v;
 }
 
 TEST(OutputBuffer, RejectedCalls)
@@ -78,7 +74,7 @@ TEST(OutputBuffer, RejectedCalls)
     std::vector<std::int32_t> words(1, 7);
     daVector negative = {samples.data(), nullptr, -4};
     float scale = 3.0f;
-    std::vector<FailureCase> cases = {
+    expectFailures({
         {"buffer", [&] { return daOutputBuffer(view(samples), 1.0f, &scale, nullptr, 0.0f); },
          "daOutputBuffer : outputNoiseBuffer (0x0) should be pre-allocated"},
         {"length", [&] { return daOutputBuffer(negative, 1.0f, &scale, words.data(), 0.0f); },
@@ -87,8 +83,7 @@ TEST(OutputBuffer, RejectedCalls)
          "daOutputBuffer : Data output level (0.000000e+00) should be >0"},
         {"negative level", [&] { return daOutputBuffer(view(samples), -2.0f, &scale, words.data(), 0.0f); },
          "daOutputBuffer : Data output level (-2.000000e+00) should be >0"},
-    };
-    expectFailures(cases);
+    });
     EXPECT_EQ(scale, 3.0f);
     EXPECT_EQ(words[0], 7);
 }

@@ -6,7 +6,7 @@
 
 #include "signalTestSupport.h"
 
-using namespace signaltest;
+using namespace nvdl::test;
 
 TEST(SignalFunctions, MissingDataOrOutputIsRefused)
 {

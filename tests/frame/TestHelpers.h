@@ -8,6 +8,7 @@
 #include "frame/LateBound.h"
 #include "platform/CodePage.h"
 #include "platform/ErrorInfo.h"
+#include "platform/TypeDescription.h"
 #include "platform/Variant.h"
 
 namespace nvdl::test {
@@ -45,6 +46,19 @@ inline HRESULT invoke(IDispatch* object, std::u16string_view name, WORD flags, s
     DISPPARAMS params{reversed.empty() ? nullptr : reversed.data(), put ? &named : nullptr,
                       static_cast<unsigned>(reversed.size()), put ? 1u : 0u};
     return object->Invoke(id, IID_NULL, 0, flags, &params, result, nullptr, argErr);
+}
+
+// Calls every member of the object that has outputs with null outputs: each must answer E_POINTER.
+inline void expectNullOutputsRefused(IDispatch* object) {
+    ITypeInfo* info = nullptr;
+    ASSERT_EQ(object->GetTypeInfo(0, 0, &info), S_OK);
+    const auto* d = static_cast<InterfaceDescription*>(info);
+    for (const MemberEntry& m : d->members()) {
+        if (m.hasOutputs) {
+            EXPECT_EQ(d->invokeWithNullOutputs(object, m), E_POINTER) << d->name() << "::" << m.name;
+        }
+    }
+    info->Release();
 }
 
 }  // namespace nvdl::test

@@ -12,9 +12,30 @@
 
 namespace nvdl::test {
 
+// The getters and setters of the test classes: a null output is refused, a value is copied.
+inline HRESULT giveText(const Bstr& s, BSTR* v) {
+    if (!v) return E_POINTER;
+    *v = allocBstr(s.view());
+    return S_OK;
+}
+inline HRESULT takeText(Bstr& s, BSTR v) {
+    s = Bstr(bstrView(v));
+    return S_OK;
+}
+template <class T>
+HRESULT giveValue(const T& x, T* v) {
+    if (!v) return E_POINTER;
+    *v = x;
+    return S_OK;
+}
+template <class T, class U>
+HRESULT setValue(T& x, U v) {
+    x = v;
+    return S_OK;
+}
+
 inline constexpr IID IID_ITestItem{0x1b2c3d4e, 0x0001, 0x4000, {0x80, 0, 0, 0, 0, 0, 0, 1}};
 inline constexpr IID IID_ITestOwner{0x1b2c3d4e, 0x0002, 0x4000, {0x80, 0, 0, 0, 0, 0, 0, 2}};
-inline constexpr IID IID_ITestItems{0x1b2c3d4e, 0x0003, 0x4000, {0x80, 0, 0, 0, 0, 0, 0, 3}};
 
 struct ITestItem : IDispatch {
     static constexpr const IID& iid = IID_ITestItem;
@@ -42,7 +63,6 @@ struct ITestItem : IDispatch {
     virtual HRESULT put_Enabled(SHORT v) = 0;
     virtual HRESULT get_Note(VARIANT* v) = 0;
     virtual HRESULT put_Note(VARIANT* v) = 0;
-    virtual HRESULT get_Secret(LONG* v) = 0;
     virtual HRESULT get_Samples(SAFEARRAY** v) = 0;
     virtual HRESULT get_Element(LONG index, float* v) = 0;
     virtual HRESULT put_Element(LONG index, float v) = 0;
@@ -62,12 +82,12 @@ class CTestItem final : public CObjectFrame<ITestItem> {
 public:
     static CTestItem* create() { return new CTestItem; }
 
-    HRESULT get_Name(BSTR* v) override { return give(m_name, v); }
-    HRESULT put_Name(BSTR v) override { return take(m_name, v); }
-    HRESULT get_Id(BSTR* v) override { return give(m_id, v); }
-    HRESULT put_Id(BSTR v) override { return take(m_id, v); }
-    HRESULT get_FullPathName(BSTR* v) override { return give(m_fullPath, v); }
-    HRESULT put_FullPathName(BSTR v) override { return take(m_fullPath, v); }
+    HRESULT get_Name(BSTR* v) override { return giveText(m_name, v); }
+    HRESULT put_Name(BSTR v) override { return takeText(m_name, v); }
+    HRESULT get_Id(BSTR* v) override { return giveText(m_id, v); }
+    HRESULT put_Id(BSTR v) override { return takeText(m_id, v); }
+    HRESULT get_FullPathName(BSTR* v) override { return giveText(m_fullPath, v); }
+    HRESULT put_FullPathName(BSTR v) override { return takeText(m_fullPath, v); }
     HRESULT get_Parent(IDispatch** v) override {
         if (!v) return E_POINTER;
         *v = nullptr;
@@ -79,26 +99,22 @@ public:
         m_parent.set(v);
         return S_OK;
     }
-    HRESULT get_Modified(SHORT* v) override { return give(m_modified, v); }
-    HRESULT put_Modified(SHORT v) override {
-        m_modified = v;
-        return S_OK;
-    }
-    HRESULT get_Count(LONG* v) override { return give(m_count, v); }
-    HRESULT put_Count(LONG v) override { return set(m_count, v); }
-    HRESULT get_Level(SHORT* v) override { return give(m_level, v); }
-    HRESULT put_Level(SHORT v) override { return set(m_level, v); }
-    HRESULT get_Gain(float* v) override { return give(m_gain, v); }
-    HRESULT put_Gain(float v) override { return set(m_gain, v); }
-    HRESULT get_Scale(double* v) override { return give(m_scale, v); }
-    HRESULT put_Scale(double v) override { return set(m_scale, v); }
-    HRESULT get_When(DATE* v) override { return give(m_when, v); }
-    HRESULT put_When(DATE v) override { return set(m_when, v); }
-    HRESULT get_Enabled(SHORT* v) override { return give(m_enabled, v); }
-    HRESULT put_Enabled(SHORT v) override { return set(m_enabled, v); }
+    HRESULT get_Modified(SHORT* v) override { return giveValue(m_modified, v); }
+    HRESULT put_Modified(SHORT v) override { return setValue(m_modified, v); }
+    HRESULT get_Count(LONG* v) override { return giveValue(m_count, v); }
+    HRESULT put_Count(LONG v) override { return setValue(m_count, v); }
+    HRESULT get_Level(SHORT* v) override { return giveValue(m_level, v); }
+    HRESULT put_Level(SHORT v) override { return setValue(m_level, v); }
+    HRESULT get_Gain(float* v) override { return giveValue(m_gain, v); }
+    HRESULT put_Gain(float v) override { return setValue(m_gain, v); }
+    HRESULT get_Scale(double* v) override { return giveValue(m_scale, v); }
+    HRESULT put_Scale(double v) override { return setValue(m_scale, v); }
+    HRESULT get_When(DATE* v) override { return giveValue(m_when, v); }
+    HRESULT put_When(DATE v) override { return setValue(m_when, v); }
+    HRESULT get_Enabled(SHORT* v) override { return giveValue(m_enabled, v); }
+    HRESULT put_Enabled(SHORT v) override { return setValue(m_enabled, v); }
     HRESULT get_Note(VARIANT* v) override { return v ? VariantCopy(v, &m_note) : E_POINTER; }
     HRESULT put_Note(VARIANT* v) override { return v ? VariantCopyInd(&m_note, v) : E_POINTER; }
-    HRESULT get_Secret(LONG* v) override { return give(m_count, v); }
     HRESULT get_Samples(SAFEARRAY** v) override {
         if (!v) return E_POINTER;
         const float values[] = {1.5f, -2.0f, 3.25f};
@@ -147,27 +163,6 @@ private:
     }
     ~CTestItem() override { VariantClear(&m_note); }
 
-    static HRESULT give(const Bstr& s, BSTR* v) {
-        if (!v) return E_POINTER;
-        *v = allocBstr(s.view());
-        return S_OK;
-    }
-    static HRESULT take(Bstr& s, BSTR v) {
-        s = Bstr(bstrView(v));
-        return S_OK;
-    }
-    template <class T>
-    static HRESULT give(const T& x, T* v) {
-        if (!v) return E_POINTER;
-        *v = x;
-        return S_OK;
-    }
-    template <class T, class U>
-    static HRESULT set(T& x, U v) {
-        x = v;
-        return S_OK;
-    }
-
     Bstr m_name, m_id, m_fullPath;
     WeakParent m_parent;
     SHORT m_modified = 0, m_level = 0, m_enabled = 0;
@@ -182,33 +177,18 @@ private:
 inline const InterfaceDescription& CTestItem::description() {
     static const InterfaceDescription& d =
         MemberTable<ITestItem>(IID_ITestItem, "ITestItem")
-            .propget<&ITestItem::get_Name>("Name")
-            .propput<&ITestItem::put_Name>("Name")
-            .propget<&ITestItem::get_Id>("Id")
-            .propput<&ITestItem::put_Id>("Id")
-            .propget<&ITestItem::get_FullPathName>("FullPathName")
-            .propput<&ITestItem::put_FullPathName>("FullPathName")
-            .propget<&ITestItem::get_Parent>("Parent")
-            .propput<&ITestItem::put_Parent>("Parent")
-            .propget<&ITestItem::get_Modified>("Modified")
-            .hidden()
-            .propput<&ITestItem::put_Modified>("Modified")
-            .propget<&ITestItem::get_Count>("Count")
-            .propput<&ITestItem::put_Count>("Count")
-            .propget<&ITestItem::get_Level>("Level")
-            .propput<&ITestItem::put_Level>("Level")
-            .propget<&ITestItem::get_Gain>("Gain")
-            .propput<&ITestItem::put_Gain>("Gain")
-            .propget<&ITestItem::get_Scale>("Scale")
-            .propput<&ITestItem::put_Scale>("Scale")
-            .propget<&ITestItem::get_When>("When", VT_DATE)
-            .propput<&ITestItem::put_When>("When", VT_DATE)
-            .propget<&ITestItem::get_Enabled>("Enabled", VT_BOOL)
-            .propput<&ITestItem::put_Enabled>("Enabled", VT_BOOL)
-            .propget<&ITestItem::get_Note>("Note")
-            .propput<&ITestItem::put_Note>("Note")
-            .propget<&ITestItem::get_Secret>("Secret")
-            .hidden()
+            .propget<&ITestItem::get_Name>("Name").propput<&ITestItem::put_Name>("Name")
+            .propget<&ITestItem::get_Id>("Id").propput<&ITestItem::put_Id>("Id")
+            .propget<&ITestItem::get_FullPathName>("FullPathName").propput<&ITestItem::put_FullPathName>("FullPathName")
+            .propget<&ITestItem::get_Parent>("Parent").propput<&ITestItem::put_Parent>("Parent")
+            .propget<&ITestItem::get_Modified>("Modified").hidden().propput<&ITestItem::put_Modified>("Modified")
+            .propget<&ITestItem::get_Count>("Count").propput<&ITestItem::put_Count>("Count")
+            .propget<&ITestItem::get_Level>("Level").propput<&ITestItem::put_Level>("Level")
+            .propget<&ITestItem::get_Gain>("Gain").propput<&ITestItem::put_Gain>("Gain")
+            .propget<&ITestItem::get_Scale>("Scale").propput<&ITestItem::put_Scale>("Scale")
+            .propget<&ITestItem::get_When>("When", VT_DATE).propput<&ITestItem::put_When>("When", VT_DATE)
+            .propget<&ITestItem::get_Enabled>("Enabled", VT_BOOL).propput<&ITestItem::put_Enabled>("Enabled", VT_BOOL)
+            .propget<&ITestItem::get_Note>("Note").propput<&ITestItem::put_Note>("Note")
             .propget<&ITestItem::get_Samples>("Samples")
             .propget<&ITestItem::get_Element>("Element", VT_EMPTY, {"index"})
             .propput<&ITestItem::put_Element>("Element", VT_EMPTY, {"index"})
@@ -244,47 +224,26 @@ public:
         m_items.AddRef();
         return S_OK;
     }
-    HRESULT get_Modified(SHORT* v) override {
-        if (!v) return E_POINTER;
-        *v = m_modified;
-        return S_OK;
-    }
-    HRESULT put_Modified(SHORT v) override {
-        m_modified = v;
-        return S_OK;
-    }
+    HRESULT get_Modified(SHORT* v) override { return giveValue(m_modified, v); }
+    HRESULT put_Modified(SHORT v) override { return setValue(m_modified, v); }
     CObjectCollection& items() { return m_items; }
     SHORT modified() const { return m_modified; }
 
     static const InterfaceDescription& description() {
-        static const InterfaceDescription& d = MemberTable<ITestOwner>(IID_ITestOwner, "ITestOwner")
-                                                   .propget<&ITestOwner::get_Items>("Items")
-                                                   .propget<&ITestOwner::get_Modified>("Modified")
-                                                   .propput<&ITestOwner::put_Modified>("Modified")
-                                                   .build();
+        static const InterfaceDescription& d =
+            MemberTable<ITestOwner>(IID_ITestOwner, "ITestOwner")
+                .propget<&ITestOwner::get_Items>("Items")
+                .propget<&ITestOwner::get_Modified>("Modified").propput<&ITestOwner::put_Modified>("Modified")
+                .build();
         return d;
     }
 
 private:
-    explicit CTestOwner(const CLSID& itemClass) : CObjectFrame(IID_ITestOwner), m_items(IID_ITestItems) {
+    explicit CTestOwner(const CLSID& itemClass) : CObjectFrame(IID_ITestOwner), m_items(IID_IParameters) {
         description();
         CTestItem::description();
-        registerItemsInterface();
         m_items.SetOwner(dispatch());
         m_items.SetItemClass(itemClass);
-    }
-
-    // The test collection's own interface: the members of every collection under another identifier.
-    static void registerItemsInterface() {
-        static const bool registered = [] {
-            ITypeLib* library = nullptr;
-            ITypeInfo* info = nullptr;
-            if (SUCCEEDED(LoadRegTypeLib(LIBID_NVDL, 1, 0, 0, &library)) &&
-                SUCCEEDED(library->GetTypeInfoOfGuid(IID_IParameters, &info)))
-                registerInterface(static_cast<InterfaceDescription*>(info)->alias(IID_ITestItems, "ITestItems"));
-            return true;
-        }();
-        (void)registered;
     }
 
     CObjectCollection m_items;

@@ -25,29 +25,26 @@ protected:
     }
     CObjectCollection& items() { return owner->items(); }
 
-    // Adds a new test item named `name`; answers the status and keeps the index.
+    // Adds an object, handing over the caller's reference; answers the status and keeps the index.
+    HRESULT addObject(IDispatch* object, Variant before = Variant(), Variant after = Variant()) {
+        Variant key;
+        HRESULT h = items().Add(object, &key, &before, &after, &lastIndex);
+        object->Release();
+        return h;
+    }
+    // Adds a new test item with `name` as its Name and Id.
     HRESULT add(const char* name, Variant before = Variant(), Variant after = Variant()) {
         CTestItem* item = CTestItem::create();
         Bstr text{std::string_view(name)};
         item->put_Name(text.get());
         item->put_Id(text.get());
-        Variant key;
-        HRESULT h = items().Add(item->dispatch(), &key, &before, &after, &lastIndex);
-        item->Release();
-        return h;
+        return addObject(item->dispatch(), std::move(before), std::move(after));
     }
-    HRESULT addParameter(const char* name, const char* value) {
-        IDispatch* p = CParameterFactory();
-        putText(p, u"Name", name);
-        putText(p, u"Value", value);
-        Variant key, before, after;
-        HRESULT h = items().Add(p, &key, &before, &after, &lastIndex);
-        p->Release();
-        return h;
-    }
-    static IDispatch* CParameterFactory() {
+    static IDispatch* newParameter(const char* name, const char* value) {
         IDispatch* p = nullptr;
         createInstance(CLSID_CParameter, &p);
+        if (name) putText(p, u"Name", name);
+        putText(p, u"Value", value);
         return p;
     }
     std::vector<std::string> names() {
@@ -60,74 +57,48 @@ protected:
     LONG lastIndex = -99;
 };
 
-TEST_F(Collection, DuplicateNamesAreNumbered) {
-    use(CLSID_CSetup);
-    add("A");
-    add("A");
-    add("a");
-    add("run.dat");
-    add("run.dat");
-    add("C:\\data\\A");
-    add("C:\\data\\A");  // renamed from the path: the folders go
-    add("x.(1)");
-    add("x.(1)");
-    EXPECT_EQ(names(), (std::vector<std::string>{"A", "A(2)", "a(3)", "run.dat", "run(2)..dat", "C:\\data\\A",
-                                                 "A(2)", "x.(1)", "x.(1)(2)"}));
+// Names are made unique as items enter, except where they may repeat (channels) or items are known
+// by their Id (measurements).
+TEST_F(Collection, EnteringNamesAreNumberedByItemClass) {
+    struct Case {
+        const CLSID* itemClass;
+        std::vector<const char*> added;
+        std::vector<std::string> expected;
+    } cases[] = {
+        // A name from a path loses its folders when renamed.
+        {&CLSID_CSetup, {"A", "A", "a", "run.dat", "run.dat", "C:\\data\\A", "C:\\data\\A", "x.(1)", "x.(1)"},
+         {"A", "A(2)", "a(3)", "run.dat", "run(2)..dat", "C:\\data\\A", "A(2)", "x.(1)", "x.(1)(2)"}},
+        // B -> B(2) at item 1: item 0 is not asked again, so the name repeats.
+        {&CLSID_CSetup, {"B(2)", "B", "B"}, {"B(2)", "B", "B(2)"}},
+        {&CLSID_CInputChannel, {"ch", "ch"}, {"ch", "ch"}},
+        {&CLSID_CMeasurement, {"m", "m"}, {"m", "m"}},
+        {&CLSID_CWorkspace, {"W", "W"}, {"W", "W(2)"}},
+    };
+    for (const Case& c : cases) {
+        use(*c.itemClass);
+        for (const char* name : c.added) add(name);
+        EXPECT_EQ(names(), c.expected) << c.added.front();
+    }
+    EXPECT_EQ(getText(items().itemAt(1), u"FullPathName"), "W(2)");  // a workspace's path follows
 }
 
-TEST_F(Collection, RenamingDoesNotLookBack) {
-    use(CLSID_CSetup);
-    add("B(2)");
-    add("B");
-    add("B");  // B -> B(2) at item 1: item 0 is not asked again, so the name repeats
-    EXPECT_EQ(names(), (std::vector<std::string>{"B(2)", "B", "B(2)"}));
-}
-
-TEST_F(Collection, WorkspacesGetTheNewNameAsPathToo) {
-    use(CLSID_CWorkspace);
-    add("W");
-    add("W");
-    EXPECT_EQ(getText(items().itemAt(1), u"FullPathName"), "W(2)");
-}
-
-TEST_F(Collection, ChannelNamesMayRepeatAndMeasurementsAreNotAsked) {
-    use(CLSID_CInputChannel);
-    add("ch");
-    add("ch");
-    EXPECT_EQ(names(), (std::vector<std::string>{"ch", "ch"}));
-    use(CLSID_CMeasurement);
-    add("m");
-    add("m");
-    EXPECT_EQ(names(), (std::vector<std::string>{"m", "m"}));
-}
-
+// Positions count as clients have always counted them: `before` from 1, and an `after` near the end
+// inserts before the last item rather than behind it.
 TEST_F(Collection, Positions) {
-    use(CLSID_CSetup);
-    for (const char* n : {"0", "1", "2", "3", "4"}) add(n);
-    EXPECT_EQ(add("after3", Variant(), Variant::fromLong(3)), S_OK);
-    EXPECT_EQ(lastIndex, 3);
     use(CLSID_CSetup);
     for (const char* n : {"0", "1", "2", "3", "4"}) add(n);
     EXPECT_EQ(add("after2", Variant(), Variant::fromLong(2)), S_OK);
     EXPECT_EQ(lastIndex, 3);
+    EXPECT_EQ(add("after4", Variant(), Variant::fromLong(4)), S_OK);
+    EXPECT_EQ(lastIndex, 4);
     EXPECT_EQ(add("before1", Variant::fromLong(1)), S_OK);
     EXPECT_EQ(lastIndex, 0);
-    EXPECT_EQ(names().front(), "before1");
     EXPECT_EQ(add("x", Variant::fromLong(1), Variant::fromLong(1)), E_INVALIDARG);
     EXPECT_EQ(add("x", Variant::fromLong(-1)), E_INVALIDARG);
-    EXPECT_EQ(add("x", Variant::fromAnsi("not a number")), S_OK);  // counts as absent: appended
-    EXPECT_EQ(lastIndex, 7);
+    EXPECT_EQ(add("last", Variant::fromAnsi("not a number")), S_OK);  // counts as absent: appended
+    EXPECT_EQ(names(), (std::vector<std::string>{"before1", "0", "1", "2", "after2", "after4", "3", "4", "last"}));
     Variant v;
     EXPECT_EQ(items().Add(nullptr, &v, &v, &v, &lastIndex), E_POINTER);
-}
-
-TEST_F(Collection, ItemsTakeTheOwnerAsParentAndMarkItModified) {
-    use(CLSID_CSetup);
-    add("A");
-    Variant parent;
-    ASSERT_EQ(latebound::get(items().itemAt(0), u"Parent", &parent), S_OK);
-    EXPECT_EQ(parent.pdispVal, owner->dispatch());
-    EXPECT_EQ(owner->modified(), 1);
 }
 
 TEST_F(Collection, ItemIgnoresCaseRemoveDoesNot) {
@@ -150,21 +121,32 @@ TEST_F(Collection, ItemIgnoresCaseRemoveDoesNot) {
     EXPECT_EQ(names(), (std::vector<std::string>{"Bar"}));
 }
 
-TEST_F(Collection, RemoveDetachesAndEnumeratorKeepsItsSnapshot) {
+// Items take the owner as Parent and lose it when removed or cleared, and each change marks the
+// owner modified; an enumerator keeps the items it was made with.
+TEST_F(Collection, ItemsAreAttachedToTheOwnerUntilRemovedOrCleared) {
     use(CLSID_CSetup);
+    ASSERT_EQ(items().Clear(), S_OK);
+    EXPECT_EQ(owner->modified(), 0);  // there was nothing to clear
     add("A");
     add("B");
+    EXPECT_EQ(owner->modified(), 1);
     IDispatch* a = items().itemAt(0);
+    IDispatch* b = items().itemAt(1);
     a->AddRef();
+    b->AddRef();
+    auto parentOf = [](IDispatch* item) {
+        Variant parent;
+        EXPECT_EQ(latebound::get(item, u"Parent", &parent), S_OK);
+        return parent.pdispVal;
+    };
+    EXPECT_EQ(parentOf(a), owner->dispatch());
     IUnknown* unknown = nullptr;
     ASSERT_EQ(items().get__NewEnum(&unknown), S_OK);
     auto* e = static_cast<IEnumVARIANT*>(unknown);
     owner->put_Modified(0);
     ASSERT_EQ(items().Remove(Variant::fromLong(0)), S_OK);
     EXPECT_EQ(owner->modified(), 1);
-    Variant parent;
-    latebound::get(a, u"Parent", &parent);
-    EXPECT_EQ(parent.pdispVal, nullptr);
+    EXPECT_EQ(parentOf(a), nullptr);
 
     Variant got[3];
     ULONG fetched = 0;
@@ -177,88 +159,73 @@ TEST_F(Collection, RemoveDetachesAndEnumeratorKeepsItsSnapshot) {
     ASSERT_EQ(e->Clone(&copy), S_OK);
     VariantClear(&got[0]);  // Next fills its outputs as new
     EXPECT_EQ(copy->Next(1, got, &fetched), S_OK);
-    EXPECT_EQ(getText(got[0].pdispVal, u"Name"), "B");
+    EXPECT_EQ(got[0].pdispVal, b);
     copy->Release();
     e->Release();
-    a->Release();
-}
 
-TEST_F(Collection, ClearMarksTheOwnerOnlyWhenThereWasSomething) {
-    use(CLSID_CSetup);
-    ASSERT_EQ(items().Clear(), S_OK);
-    EXPECT_EQ(owner->modified(), 0);
-    add("A");
     owner->put_Modified(0);
-    items().Clear();
+    ASSERT_EQ(items().Clear(), S_OK);
     EXPECT_EQ(owner->modified(), 1);
     EXPECT_EQ(items().size(), 0u);
+    EXPECT_EQ(parentOf(b), nullptr);
+    a->Release();
+    b->Release();
 }
 
-TEST_F(Collection, ParametersMergeByNameIgnoringCase) {
+// A parameter enters as a copy of its own and needs a name; a second one of the same name (case
+// ignored) only hands its value to the first.
+TEST_F(Collection, ParametersAreCopiedNamedAndMergedByName) {
     use(CLSID_CParameter);
-    ASSERT_EQ(addParameter("Foo", "1"), S_OK);
+    IDispatch* given = newParameter("Foo", "1");
+    given->AddRef();
+    ASSERT_EQ(addObject(given), S_OK);
+    EXPECT_NE(items().itemAt(0), given);
+    given->Release();
     lastIndex = -99;
-    ASSERT_EQ(addParameter("FOO", "2"), S_OK);
+    ASSERT_EQ(addObject(newParameter("FOO", "2")), S_OK);
     EXPECT_EQ(lastIndex, -99);
     ASSERT_EQ(items().size(), 1u);
     EXPECT_EQ(getText(items().itemAt(0), u"Name"), "Foo");
     EXPECT_EQ(getText(items().itemAt(0), u"Value"), "2");
     // The index forgets a removed name, so the same name is added anew.
     ASSERT_EQ(items().Remove(Variant::fromAnsi("Foo")), S_OK);
-    ASSERT_EQ(addParameter("foo", "3"), S_OK);
+    ASSERT_EQ(addObject(newParameter("foo", "3")), S_OK);
     EXPECT_EQ(items().size(), 1u);
-}
 
-TEST_F(Collection, ParametersAreCopiedAndNeedAName) {
-    use(CLSID_CParameter);
-    IDispatch* given = CParameterFactory();
-    putText(given, u"Name", "Gain");
-    Variant key, before, after;
-    ASSERT_EQ(items().Add(given, &key, &before, &after, &lastIndex), S_OK);
-    EXPECT_NE(items().itemAt(0), given);  // the collection keeps its own copy
-    given->Release();
-
-    IDispatch* blank = CParameterFactory();
-    EXPECT_EQ(items().Add(blank, &key, &before, &after, &lastIndex), E_FAIL);
+    EXPECT_EQ(addObject(newParameter(nullptr, "4")), E_FAIL);
     EXPECT_EQ(pendingDescription(), "Parameter Name required (blank not allowed).");
     EXPECT_EQ(items().size(), 1u);
-    blank->Release();
 }
 
-TEST_F(Collection, CloneCopiesItemsIntoAnUnownedCollection) {
+// The embedded collection counts its references on its owner; a clone is an object of its own, with
+// copies of the items.
+TEST_F(Collection, ReferencesGoToTheOwnerAndACloneCountsItsOwn) {
     use(CLSID_CSetup);
+    ULONG before = owner->AddRef();
+    EXPECT_EQ(items().AddRef(), before + 1);
+    items().Release();
+    owner->Release();
+
     add("A");
     add("B");
     items().put_Name(Bstr(std::string_view("list")).get());
     ICollection* copy = nullptr;
     ASSERT_EQ(items().Clone(&copy), S_OK);
-    LONG count = 0;
-    copy->get_Count(&count);
-    EXPECT_EQ(count, 2);
-    Bstr name;
-    copy->get_Name(name.out());
-    EXPECT_EQ(name.ansi(), "list");
+    EXPECT_EQ(getText(copy, u"Count"), "2");
+    EXPECT_EQ(getText(copy, u"Name"), "list");
     IDispatch* first = nullptr;
     ASSERT_EQ(copy->Item(Variant::fromLong(0), &first), S_OK);
     EXPECT_NE(first, items().itemAt(0));
     EXPECT_EQ(getText(first, u"Name"), "A");
     first->Release();
-    copy->Release();
-}
-
-TEST_F(Collection, ReferencesGoToTheOwner) {
-    use(CLSID_CSetup);
-    ULONG before = owner->AddRef();
-    ULONG viaCollection = items().AddRef();
-    EXPECT_EQ(viaCollection, before + 1);
-    items().Release();
-    owner->Release();
+    EXPECT_EQ(copy->Release(), 0u);
 }
 
 TEST_F(Collection, RemovingAMeasurementWritesTheDiagnostic) {
     use(CLSID_CMeasurement);
     add("m");
     auto path = std::filesystem::temp_directory_path() / "remove.txt";
+    std::filesystem::remove(path);
     ASSERT_EQ(items().Remove(Variant::fromLong(0)), S_OK);
     std::ifstream in(path);
     std::string line;
@@ -280,11 +247,12 @@ TEST_F(Collection, SetupCreatorIsNormalised) {
     };
     for (const Case& c : cases) {
         CTestSetup* setup = CTestSetup::create(c.creator, c.postProcessing, c.impact);
-        Variant key, before, after;
-        ASSERT_EQ(items().Add(setup->dispatch(), &key, &before, &after, &lastIndex), S_OK);
+        setup->AddRef();
+        ASSERT_EQ(addObject(setup->dispatch()), S_OK);
         EXPECT_EQ(setup->creator(), c.expected) << c.creator << " " << c.postProcessing << " " << c.impact;
         setup->Release();
     }
+    EXPECT_EQ(items().size(), std::size(cases));  // each setup was kept
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
-// The object frame: late binding, error records, parents, property access by name and walks.
+// The object frame: interfaces and references, late binding, error records, parents, property access
+// by name and walks.
 #include <gtest/gtest.h>
 
 #include "TestHelpers.h"
@@ -17,6 +18,26 @@ struct Item {
     ~Item() { object->Release(); }
 };
 
+TEST(Frame, QueryInterfaceAnswersItsInterfacesWithAReference) {
+    long objectsBefore = g_nObjects;
+    CTestItem* item = CTestItem::create();
+    EXPECT_EQ(g_nObjects, objectsBefore + 1);
+    for (const IID* iid : {&IID_IUnknown, &IID_IDispatch, &IID_ITestItem}) {
+        void* answer = nullptr;
+        ASSERT_EQ(item->QueryInterface(*iid, &answer), S_OK);
+        EXPECT_EQ(answer, item->dispatch());
+        EXPECT_EQ(item->Release(), 1u);  // the answer carried a reference of its own
+    }
+    void* answer = item;
+    EXPECT_EQ(item->QueryInterface(IID_ITestOwner, &answer), E_NOINTERFACE);
+    EXPECT_EQ(answer, nullptr);
+    EXPECT_EQ(item->QueryInterface(IID_IDispatch, nullptr), E_POINTER);
+    EXPECT_EQ(item->AddRef(), 2u);
+    EXPECT_EQ(item->Release(), 1u);
+    EXPECT_EQ(item->Release(), 0u);
+    EXPECT_EQ(g_nObjects, objectsBefore);
+}
+
 TEST(Frame, TypeInfoIndexAndInterfaceChecks) {
     Item item;
     ITypeInfo* info = nullptr;
@@ -33,32 +54,12 @@ TEST(Frame, TypeInfoIndexAndInterfaceChecks) {
               DISP_E_UNKNOWNINTERFACE);
 }
 
-TEST(Frame, NamesAreFoundIgnoringCase) {
+TEST(Frame, LateBoundCallsFindNamesAndCheckKindAndArguments) {
     Item item;
-    ASSERT_EQ(putText(item.d(), u"nAmE", "Left"), S_OK);
-    EXPECT_EQ(getText(item.d(), u"NAME"), "Left");
+    ASSERT_EQ(putText(item.d(), u"nAmE", "Channel"), S_OK);  // names are found ignoring case
+    EXPECT_EQ(getText(item.d(), u"NAME"), "Channel");
     DISPID id;
     EXPECT_EQ(latebound::memberId(item.d(), u"NoSuchThing", &id), DISP_E_UNKNOWNNAME);
-}
-
-TEST(Frame, InvokeClearsThePendingErrorFirst) {
-    Item item;
-    setErrorInfo({IID_ITestItem, u"src", u"old failure", u"", 0});
-    EXPECT_EQ(getText(item.d(), u"Name"), "");
-    EXPECT_EQ(peekErrorInfo(), nullptr);
-}
-
-TEST(Frame, FailedPutLeavesItsMessageUntilTheNextCall) {
-    Item item;
-    Bstr name(std::string_view("Nothing")), value(std::string_view("1"));
-    EXPECT_EQ(item.object->put_Property(name.get(), value.get()), E_FAIL);
-    EXPECT_EQ(pendingDescription(), "Nothing does not have property put.");
-    getText(item.d(), u"Name");
-    EXPECT_EQ(peekErrorInfo(), nullptr);
-}
-
-TEST(Frame, LateBoundCallsCheckKindAndArguments) {
-    Item item;
     Variant result;
     // A method is not a property get, a property needs its argument, arguments must convert.
     EXPECT_EQ(invoke(item.d(), u"Clone", DISPATCH_PROPERTYGET, {}, &result), DISP_E_MEMBERNOTFOUND);
@@ -73,11 +74,6 @@ TEST(Frame, LateBoundCallsCheckKindAndArguments) {
     ASSERT_EQ(invoke(item.d(), u"Element", DISPATCH_METHOD | DISPATCH_PROPERTYGET, {Variant::fromLong(2)}, &result), S_OK);
     EXPECT_EQ(result.vt, VT_R4);
     EXPECT_FLOAT_EQ(result.fltVal, 4.5f);
-}
-
-TEST(Frame, OutputParametersGoToByReferenceVariants) {
-    Item item;
-    putText(item.d(), u"Name", "Channel");
     // The last output is the result; the one before it is filled through a by-reference variant.
     Variant head, tail;
     ASSERT_EQ(invoke(item.d(), u"Split", DISPATCH_METHOD, {Variant::fromLong(4), Variant::byRef(&head)}, &tail), S_OK);
@@ -86,23 +82,22 @@ TEST(Frame, OutputParametersGoToByReferenceVariants) {
 }
 
 TEST(Frame, DescriptionShowsTheDispatchView) {
-    const InterfaceDescription& d = CTestItem::description();
-    for (const MemberEntry& m : d.members()) {
-        if (std::string_view(m.name) == "Split") {
-            EXPECT_EQ(m.desc.cParams, 2);
-            EXPECT_EQ(m.params[1].flags, PARAMFLAG_FOUT);
-            EXPECT_EQ(m.desc.elemdescFunc.vt, VT_VARIANT);  // the last output is the return value
-        }
-        if (std::string_view(m.name) == "When") {
-            EXPECT_EQ(m.desc.invkind == INVOKE_PROPERTYGET ? m.desc.elemdescFunc.vt : m.params[0].type.vt, VT_DATE);
-        }
-        if (std::string_view(m.name) == "Clone") {
-            EXPECT_EQ(m.desc.elemdescFunc.vt, VT_PTR);
-        }
-        if (std::string_view(m.name) == "Parent" && m.desc.invkind == INVOKE_PROPERTYGET) {
-            EXPECT_EQ(m.desc.elemdescFunc.vt, VT_DISPATCH);
-        }
-    }
+    auto member = [](std::string_view name, INVOKEKIND kind) -> const MemberEntry* {
+        for (const MemberEntry& m : CTestItem::description().members())
+            if (m.name == name && m.desc.invkind == kind) return &m;
+        return nullptr;
+    };
+    const MemberEntry* split = member("Split", INVOKE_FUNC);
+    ASSERT_TRUE(split);
+    EXPECT_EQ(split->desc.cParams, 2);
+    EXPECT_EQ(split->params[1].flags, PARAMFLAG_FOUT);
+    EXPECT_EQ(split->desc.elemdescFunc.vt, VT_VARIANT);  // the last output is the return value
+    ASSERT_TRUE(member("When", INVOKE_PROPERTYGET) && member("When", INVOKE_PROPERTYPUT));
+    EXPECT_EQ(member("When", INVOKE_PROPERTYGET)->desc.elemdescFunc.vt, VT_DATE);
+    EXPECT_EQ(member("When", INVOKE_PROPERTYPUT)->params[0].type.vt, VT_DATE);
+    ASSERT_TRUE(member("Clone", INVOKE_FUNC) && member("Parent", INVOKE_PROPERTYGET));
+    EXPECT_EQ(member("Clone", INVOKE_FUNC)->desc.elemdescFunc.vt, VT_PTR);
+    EXPECT_EQ(member("Parent", INVOKE_PROPERTYGET)->desc.elemdescFunc.vt, VT_DISPATCH);
 }
 
 TEST(Frame, PropertyWalkSkipsHiddenObjectsArraysAndArguments) {
@@ -134,31 +129,33 @@ TEST(Frame, PutPropertyConvertsByTheDeclaredType) {
         HRESULT h = item.object->get_Property(Bstr(std::string_view(name)).get(), value.out());
         return FAILED(h) ? std::string("<failed>") : value.ansi();
     };
-    EXPECT_EQ(put("Count", "42"), S_OK);
-    EXPECT_EQ(get("Count"), "42");
-    EXPECT_EQ(put("Count", "abc"), E_INVALIDARG);
-    EXPECT_EQ(put("Level", "-7"), S_OK);
-    EXPECT_EQ(get("Level"), "-7");
-    EXPECT_EQ(put("Gain", "2.5"), S_OK);
-    EXPECT_EQ(get("Gain"), "2.5");
-    EXPECT_EQ(put("Scale", "1e-3"), S_OK);
-    EXPECT_EQ(get("Scale"), "0.001");
-    EXPECT_EQ(put("Scale", "x1"), E_INVALIDARG);
-    EXPECT_EQ(put("When", "3/14/2024 1:30:00 PM"), S_OK);
-    EXPECT_EQ(get("When"), "3/14/2024 1:30:00 PM");
-    EXPECT_EQ(put("When", "not a date"), E_INVALIDARG);
-    EXPECT_EQ(put("Name", "Probe 1"), S_OK);
-    EXPECT_EQ(get("Name"), "Probe 1");
+    // A refused text leaves the value as it was.
+    struct Case {
+        const char *name, *text;
+        HRESULT status;
+        const char* readBack;
+    } cases[] = {
+        {"Count", "42", S_OK, "42"},          {"Count", "abc", E_INVALIDARG, "42"},
+        {"Level", "-7", S_OK, "-7"},          {"Gain", "2.5", S_OK, "2.5"},
+        {"Scale", "1e-3", S_OK, "0.001"},     {"Scale", "x1", E_INVALIDARG, "0.001"},
+        {"Name", "Probe 1", S_OK, "Probe 1"}, {"Note", "free text", S_OK, "free text"},
+        {"When", "3/14/2024 1:30:00 PM", S_OK, "3/14/2024 1:30:00 PM"},
+        {"When", "not a date", E_INVALIDARG, "3/14/2024 1:30:00 PM"},
+    };
+    for (const Case& c : cases) {
+        EXPECT_EQ(put(c.name, c.text), c.status) << c.name << " " << c.text;
+        EXPECT_EQ(get(c.name), c.readBack) << c.name << " " << c.text;
+    }
     EXPECT_EQ(put("Enabled", "1"), S_OK);
     SHORT enabled = 0;
     item.object->get_Enabled(&enabled);
     EXPECT_EQ(enabled, 1);  // 1, not -1
-    EXPECT_EQ(put("Note", "free text"), S_OK);
-    EXPECT_EQ(get("Note"), "free text");
-    // Names compare exactly here, and blank texts are refused without a message.
+    // Names compare exactly here. The message of a failed put lasts until the next late-bound call,
+    // which clears it before it runs; a blank text is refused without a message.
     EXPECT_EQ(put("count", "1"), E_FAIL);
     EXPECT_EQ(pendingDescription(), "count does not have property put.");
-    clearErrorInfo();
+    getText(item.d(), u"Name");
+    EXPECT_EQ(peekErrorInfo(), nullptr);
     EXPECT_EQ(put("Count", ""), E_FAIL);
     EXPECT_EQ(peekErrorInfo(), nullptr);
     EXPECT_EQ(get("Nothing"), "<failed>");
@@ -186,28 +183,8 @@ TEST(Frame, NullOutputsAreRefusedByEveryMember) {
     CTestOwner* owner = CTestOwner::create(CLSID_CParameter);
     objects.push_back(owner->dispatch());
     ASSERT_GE(objects.size(), 3u);
-    for (IDispatch* object : objects) {
-        ITypeInfo* info = nullptr;
-        ASSERT_EQ(object->GetTypeInfo(0, 0, &info), S_OK);
-        auto* description = static_cast<InterfaceDescription*>(info);
-        for (const MemberEntry& m : description->members()) {
-            if (!m.hasOutputs) continue;
-            EXPECT_EQ(description->invokeWithNullOutputs(object, m), E_POINTER)
-                << description->name() << "::" << m.name;
-        }
-        info->Release();
-    }
-    // The collection interfaces share one table: sweep it on an embedded collection.
-    ITypeLib* library = nullptr;
-    ITypeInfo* collectionInfo = nullptr;
-    ASSERT_EQ(LoadRegTypeLib(LIBID_NVDL, 1, 0, 0, &library), S_OK);
-    ASSERT_EQ(library->GetTypeInfoOfGuid(IID_IParameters, &collectionInfo), S_OK);
-    auto* collection = static_cast<InterfaceDescription*>(collectionInfo);
-    for (const MemberEntry& m : collection->members()) {
-        if (m.hasOutputs) {
-            EXPECT_EQ(collection->invokeWithNullOutputs(&owner->items(), m), E_POINTER) << "collection::" << m.name;
-        }
-    }
+    for (IDispatch* object : objects) expectNullOutputsRefused(object);
+    expectNullOutputsRefused(&owner->items());  // the one table every collection interface shares
     for (IDispatch* object : objects) object->Release();
 }
 

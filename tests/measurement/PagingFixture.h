@@ -79,7 +79,6 @@ public:
         m_position += n;
         m_bytesRead += n;
         m_largestRead = std::max<std::uint64_t>(m_largestRead, cb);
-        ++m_reads;
         if (pcbRead) *pcbRead = static_cast<ULONG>(n);
         return S_OK;
     }
@@ -102,14 +101,13 @@ public:
 
     std::uint64_t bytesRead() const { return m_bytesRead; }
     std::uint64_t largestRead() const { return m_largestRead; }
-    std::uint64_t reads() const { return m_reads; }
 
 private:
     ULONG m_cRef = 1;
     std::vector<std::uint8_t> m_header;
     std::uint64_t m_size;
     std::uint64_t m_position = 0;
-    std::uint64_t m_bytesRead = 0, m_largestRead = 0, m_reads = 0;
+    std::uint64_t m_bytesRead = 0, m_largestRead = 0;
 };
 
 // Reads a stored record into a measurement through its standard stream persistence.

@@ -1,8 +1,9 @@
-// Shared by the persistence tests: measurements, their texts, and stored records built byte by byte.
+// Shared by the measurement tests: measurements, their texts, and stored records built byte by byte.
 #pragma once
 
 #include <gtest/gtest.h>
 
+#include <initializer_list>
 #include <string>
 #include <vector>
 
@@ -30,29 +31,21 @@ Persist* persistOf(IMeasurement* m, const IID& iid) {
     return p;
 }
 
-// Loads stored bytes through the helper of `iid` into a new measurement.
-inline HRESULT loadBytes(const std::vector<std::uint8_t>& bytes, const IID& iid, IMeasurement** into) {
-    *into = newMeasurement();
-    IPersistStream* persist = persistOf(*into, iid);
-    MemoryStream* stream = MemoryStream::create(bytes);
-    HRESULT h = persist->Load(stream);
-    stream->Release();
-    persist->Release();
-    return h;
-}
-
-inline std::string text(IMeasurement* m, HRESULT (IMeasurement::*get)(BSTR*)) {
-    Bstr s;
-    EXPECT_EQ((m->*get)(s.out()), S_OK);
-    return s.ansi();
-}
-
-inline LONG code(IMeasurement* m, HRESULT (IMeasurement::*get)(VARIANT*)) {
-    Variant v;
-    EXPECT_EQ((m->*get)(&v), S_OK);
-    EXPECT_EQ(v.changeType(VT_I4), S_OK);
-    return v.lVal;
-}
+// A measurement loaded from stored bytes through the helper of `iid`; released with the holder.
+struct Loaded {
+    IMeasurement* m = newMeasurement();
+    HRESULT result = E_UNEXPECTED;
+    Loaded(const std::vector<std::uint8_t>& bytes, const IID& iid) {
+        IPersistStream* persist = persistOf(m, iid);
+        MemoryStream* stream = MemoryStream::create(bytes);
+        result = persist->Load(stream);
+        stream->Release();
+        persist->Release();
+    }
+    Loaded(const Loaded&) = delete;
+    ~Loaded() { m->Release(); }
+    operator IMeasurement*() const { return m; }
+};
 
 template <class T>
 T value(IMeasurement* m, HRESULT (IMeasurement::*get)(T*)) {
@@ -86,6 +79,11 @@ inline std::vector<std::string> parameters(IMeasurement* m) {
     return pairs;
 }
 
+// Properties read late-bound as text, each against the text it should give.
+inline void expectTexts(IMeasurement* m, std::initializer_list<std::pair<std::u16string_view, std::string>> expected) {
+    for (const auto& [name, text] : expected) EXPECT_EQ(getText(m, name), text) << narrow(name);
+}
+
 // The units table index of a dimension named by one of its units or its name.
 inline LONG dimensionIndexOf(const char* text) {
     IDimension* d = DimensionFromText(text, false);
@@ -103,9 +101,11 @@ struct ByteRecord {
     void i32(std::size_t at, std::int32_t v) { le::put32(&bytes[at], static_cast<std::uint32_t>(v)); }
     void f32(std::size_t at, float v) { le::putF32(&bytes[at], v); }
     void f64(std::size_t at, double v) { le::putF64(&bytes[at], v); }
-    void append(const std::string& s, bool zeroEnded = true) {
-        bytes.insert(bytes.end(), s.begin(), s.end());
-        if (zeroEnded) bytes.push_back(0);
+    // The text and its closing zero.
+    void append(const std::string& s) {
+        const std::size_t at = bytes.size();
+        bytes.resize(at + s.size() + 1, 0);
+        std::copy(s.begin(), s.end(), bytes.begin() + static_cast<std::ptrdiff_t>(at));
     }
     void appendFloats(const std::vector<float>& values) {
         for (float v : values) {

@@ -1,9 +1,10 @@
 """The measurement through the Python client: defaults, enumerated properties, naming, identity,
-value rules, parameters, clones and the property walk."""
+value rules, dimensions, samples, parameters, clones and the property walk."""
 
 import os
 import tempfile
 import unittest
+from unittest import mock
 
 import numpy as np
 
@@ -16,21 +17,15 @@ def new():
     return nvdl.Dispatch("nv_bench.measurement")
 
 
-class Defaults(unittest.TestCase):
+class Properties(unittest.TestCase):
     def test_a_new_measurement(self):
         m = new()
-        self.assertEqual(m.Size, 32768)
-        self.assertEqual(m.FunctionType, 1000)
-        self.assertEqual(m.XAxisType, 1100)
+        self.assertEqual((m.Size, m.FunctionType, m.XAxisType, m.Averages), (32768, 1000, 1100, -1))
+        self.assertEqual((m.Name, m.AcousticWeighting), ("()", "Off"))
         self.assertTrue(m.Modified)
-        self.assertEqual(m.Name, "()")
-        self.assertEqual(m.AcousticWeighting, "Off")
-        self.assertEqual(m.Averages, -1)
         self.assertEqual(len(m.YRealArray), 32768)
 
-
-class Enumerations(unittest.TestCase):
-    def test_text_or_code(self):
+    def test_enumerations_take_text_or_code_from_one_shared_table(self):
         m = new()
         m.FunctionType = "Autopower"
         self.assertEqual(m.FunctionType, 1003)
@@ -42,53 +37,27 @@ class Enumerations(unittest.TestCase):
         self.assertEqual(m.FunctionType, 1011)
         m.FunctionType = ""
         self.assertEqual(m.FunctionType, 1000)
-
-    def test_shared_table_finds_the_lowest_code(self):
-        m = new()
         m.WindowType = "Exponential"
         self.assertEqual(m.WindowType, 1202)  # the averaging code: the table does not know the group
         self.assertEqual(m.Translate(1302), "Hanning")
         self.assertEqual(m.Translate(1029), "")  # no text: a null string
 
-
-class Naming(unittest.TestCase):
-    def test_name_is_built_from_type_and_channels(self):
-        m = new()
-        m.FunctionType = "Autopower"
-        m.Response = "resp"
-        m.Reference = "ref"
-        self.assertEqual(m.Name, "Autopower(resp)")
-        f = new()
-        f.FunctionType = "FRF"
-        f.Response, f.Reference = "acc", "force"
-        self.assertEqual(f.Name, "FRF(acc,force)")
-
-    def test_identity(self):
-        m = new()
-        self.assertTrue(m.Id.startswith(".UID."))
+    def test_name_is_built_from_type_and_channels_and_the_identity_stays(self):
+        m, f = new(), new()
+        m.FunctionType, m.Response, m.Reference = "Autopower", "resp", "ref"
+        f.FunctionType, f.Response, f.Reference = "FRF", "acc", "force"
+        self.assertEqual((m.Name, f.Name), ("Autopower(resp)", "FRF(acc,force)"))
         self.assertEqual(m.Id, m.Id)
         self.assertEqual(m.Tag, m.Id)
-        m.Tag = "mine"
-        self.assertEqual(m.Tag, "mine")
 
-
-class ValueRules(unittest.TestCase):
-    def test_refused_values_that_are_kept(self):
+    def test_refused_values(self):
         m = new()
-        with self.assertRaises(nvdl.ComError):
-            m.Overlap = 2
-        self.assertEqual(m.Overlap, 2)
-        with self.assertRaises(nvdl.ComError):
-            m.Averages = -3
-        self.assertEqual(m.Averages, -3)
-
-    def test_refused_values_that_are_not(self):
-        m = new()
-        with self.assertRaises(nvdl.ComError):
-            m.ResponseChannel = -1
-        self.assertEqual(m.ResponseChannel, -1)
-        with self.assertRaises(nvdl.ComError):
-            m.XIncrement = 0
+        # Overlap and Averages keep the value they refuse; a channel and the increment do not.
+        for name, value, after in (("Overlap", 2, 2), ("Averages", -3, -3), ("ResponseChannel", -5, -1),
+                                   ("XIncrement", 0, 1.0)):
+            with self.assertRaises(nvdl.ComError):
+                setattr(m, name, value)
+            self.assertEqual(getattr(m, name), after, name)
         m.XAxisType = "Logarithmic"
         with self.assertRaises(nvdl.ComError):
             m.XIncrement = 1.0
@@ -102,6 +71,25 @@ class ValueRules(unittest.TestCase):
         m.AcousticWeighting = " A "
         self.assertEqual(m.AcousticWeighting, "A")
 
+    def test_y_dimension_from_a_unit_or_a_dimension_name(self):
+        m = new()
+        m.YDimension = "m/s\u00b2"
+        self.assertEqual((m.YDimension, m.YdDimension.Name), ("Acceleration", "Acceleration"))
+        m.YDimension = "velocity"
+        self.assertEqual(m.YDimension, "Velocity")
+        with self.assertRaises(nvdl.ComError) as caught:
+            m.YDimension = "furlongs per fortnight squared"
+        self.assertEqual(caught.exception.hresult, E_INVALIDARG)
+        self.assertEqual(m.YDimension, "")
+
+    def test_linear_unit_of_an_autopower(self):
+        m = new()
+        m.FunctionType = "Autopower"
+        m.YDimension = "(m/s\u00b2)\u00b2"
+        self.assertEqual(m.LinearUnitY, "m/s\u00b2")
+
+
+class SamplesParametersAndCopies(unittest.TestCase):
     def test_complex_and_samples(self):
         m = new()
         m.YArray(np.arange(8, dtype=np.float32), 8)
@@ -121,28 +109,18 @@ class ValueRules(unittest.TestCase):
         self.assertEqual(m.YReal(3), 2.5)
         self.assertEqual(len(m.YRealSectionArray(5, 0)), 5)  # the first argument is the count
 
-
-class Parameters(unittest.TestCase):
-    def test_collection_rules(self):
+    def test_parameters_merge_by_name_and_belong_to_the_measurement(self):
         m = new()
-        p = nvdl.Dispatch("nv_bench.parameter")
-        p.Name, p.Value = "Gain", "1"
         params = m.Parameters
-        self.assertEqual(params.Add(p), 0)
-        q = nvdl.Dispatch("nv_bench.parameter")
-        q.Name, q.Value = "GAIN", "2"
-        params.Add(q)
+        for name, value in (("Gain", "1"), ("GAIN", "2")):
+            p = nvdl.Dispatch("nv_bench.parameter")
+            p.Name, p.Value = name, value
+            params.Add(p)
         self.assertEqual(len(params), 1)
         self.assertEqual(params["gain"].Value, "2")
         self.assertEqual([x.Name for x in params], ["Gain"])
         self.assertEqual(params[0].Parent, m)
-        blank = nvdl.Dispatch("nv_bench.parameter")
-        with self.assertRaises(nvdl.ComError) as caught:
-            params.Add(blank)
-        self.assertEqual(caught.exception.description, "Parameter Name required (blank not allowed).")
 
-
-class Copies(unittest.TestCase):
     def test_clone_has_a_new_identity_and_the_same_samples(self):
         m = new()
         data = np.linspace(-1, 1, 100, dtype=np.float32)
@@ -154,12 +132,9 @@ class Copies(unittest.TestCase):
         m.Parameters.Add(p)
         c = m.Clone()
         self.assertNotEqual(c.Id, m.Id)
-        self.assertEqual(c.Name, "run")
-        self.assertEqual(c.FunctionType, 1002)
+        self.assertEqual((c.Name, c.FunctionType, c.Parameters["Unit"].Value), ("run", 1002, "g"))
         np.testing.assert_array_equal(c.YRealArray, data)
-        self.assertEqual(c.Parameters["Unit"].Value, "g")
-        h = m.CloneHeaderOnly()
-        self.assertEqual(h.Size, 100)
+        self.assertEqual(m.CloneHeaderOnly().Size, 100)
 
 
 class ByName(unittest.TestCase):
@@ -185,39 +160,13 @@ class ByName(unittest.TestCase):
             f.write('[HKEY_CURRENT_USER\\Control Panel\\International]\n'
                     '"sShortDate"="dd.MM.yyyy"\n"sDate"="."\n"sTimeFormat"="HH:mm:ss"\n"sTime"=":"\n'
                     '"s1159"=""\n"s2359"=""\n')
-            path = f.name
-        old = os.environ.get("NVDL_REGISTRY")
-        os.environ["NVDL_REGISTRY"] = path
         try:
-            m = new()
-            m.MeasurementTime = 38051.5  # 5 March 2004, noon
-            self.assertEqual(m.Property("MeasurementTime"), "05.03.2004 12:00:00")
+            with mock.patch.dict(os.environ, {"NVDL_REGISTRY": f.name}):
+                m = new()
+                m.MeasurementTime = 38051.5  # 5 March 2004, noon
+                self.assertEqual(m.Property("MeasurementTime"), "05.03.2004 12:00:00")
         finally:
-            if old is None:
-                del os.environ["NVDL_REGISTRY"]
-            else:
-                os.environ["NVDL_REGISTRY"] = old
-            os.unlink(path)
-
-
-class Dimensions(unittest.TestCase):
-    def test_y_dimension_from_a_unit_or_a_dimension_name(self):
-        m = new()
-        m.YDimension = "m/s\u00b2"
-        self.assertEqual(m.YDimension, "Acceleration")
-        self.assertEqual(m.YdDimension.Name, "Acceleration")
-        m.YDimension = "velocity"
-        self.assertEqual(m.YDimension, "Velocity")
-        with self.assertRaises(nvdl.ComError) as caught:
-            m.YDimension = "furlongs per fortnight squared"
-        self.assertEqual(caught.exception.hresult, E_INVALIDARG)
-        self.assertEqual(m.YDimension, "")
-
-    def test_linear_unit_of_an_autopower(self):
-        m = new()
-        m.FunctionType = "Autopower"
-        m.YDimension = "(m/s\u00b2)\u00b2"
-        self.assertEqual(m.LinearUnitY, "m/s\u00b2")
+            os.unlink(f.name)
 
 
 if __name__ == "__main__":

@@ -6,35 +6,29 @@
 namespace nvdl::test {
 namespace {
 
-class MeasurementSettings : public PagingSettings {
-protected:
-    // Size of a new measurement, and whether its Optimize works as for long records (it fails on a
-    // new measurement, which has no copies to build from) or does nothing.
-    void expectNewMeasurement(LONG size, bool longFileFeature) {
+class MeasurementSettings : public PagingSettings {};
+
+TEST_F(MeasurementSettings, BlockSizeAndPagingComeFromTheSettingsAndAnUnusableSizeGivesTheDefault) {
+    struct Row {
+        long setting;
+        bool longFileFeature;
+        LONG size;
+    };
+    for (Row row : {Row{1000, true, 1000}, Row{77, false, 77}, Row{0, false, 32768}, Row{-5, false, 32768},
+                    Row{99999999999L, true, 32768}}) {
+        SCOPED_TRACE(row.setting);
+        useSettings(row.setting, row.longFileFeature);
         CMeasurement* m = CMeasurement::createMeasurement();
-        LONG actualSize = -1, fileSamples = -1;
-        m->get_Size(&actualSize);
+        LONG size = -1, fileSamples = -1;
+        m->get_Size(&size);
         m->get_FileSamples(&fileSamples);
-        EXPECT_EQ(actualSize, size);
-        EXPECT_EQ(fileSamples, size);
-        EXPECT_EQ(m->yReal().size(), static_cast<std::size_t>(size));
-        EXPECT_EQ(m->Optimize() == S_OK, !longFileFeature);
+        EXPECT_EQ(size, row.size);
+        EXPECT_EQ(fileSamples, row.size);
+        EXPECT_EQ(m->yReal().size(), static_cast<std::size_t>(row.size));
+        // Optimize works as for long records (and fails on a new measurement, which has no copies to
+        // build from) or does nothing.
+        EXPECT_EQ(m->Optimize() == S_OK, !row.longFileFeature);
         m->Release();
-    }
-};
-
-TEST_F(MeasurementSettings, BlockSizeAndPagingComeFromTheSettings) {
-    useSettings(1000, true);
-    expectNewMeasurement(1000, true);
-    useSettings(77, false);
-    expectNewMeasurement(77, false);
-}
-
-TEST_F(MeasurementSettings, AnUnusableBlockSizeGivesTheDefault) {
-    for (long setting : {0L, -5L, 99999999999L}) {
-        SCOPED_TRACE(setting);
-        useSettings(setting, false);
-        expectNewMeasurement(32768, false);
     }
 }
 

@@ -1,11 +1,8 @@
 // A long record stored in a workspace file is paged back: block spans sample-exact, the whole
 // record as a min/max overview, and the memory of an overview read bounded by the block.
-#include <cstring>
-
 #include "PagingFixture.h"
+#include "PersistenceTestSupport.h"
 #include "measurement/MeasurementBlockWriter.h"
-#include "platform/Bstr.h"
-#include "platform/MemoryStream.h"
 #include "platform/Storage.h"
 
 using namespace nvdl;
@@ -13,28 +10,23 @@ using namespace nvdl::test;
 
 namespace {
 
+using I = IMeasurement;
 constexpr LONG kBlock = 32768;
 
-// Writes `blocks` blocks of `blockSize` generated samples through a measurement's block writer.
-void writeRecord(IStorage* storage, const char16_t* name, LONG blocks, LONG blockSize) {
+// A block writer of a new measurement with a time record of `blocks` blocks of `blockSize` samples
+// begun in the stream "Meas0" of `storage`.
+IMeasurementBlockWriter* beginRecord(IStorage* storage, LONG blocks, LONG blockSize) {
     CMeasurement* source = CMeasurement::createMeasurement();
     IMeasurementBlockWriter* writer = nullptr;
-    ASSERT_EQ(source->QueryInterface(IID_IMeasurementBlockWriter, reinterpret_cast<void**>(&writer)), S_OK);
-    Bstr streamName{std::u16string_view{name}};
-    ASSERT_EQ(writer->Create(storage, streamName.get()), S_OK);
-    Bstr xUnit{std::string_view{"s"}}, yUnit{std::string_view{"Pa"}}, none{std::string_view{}};
-    ASSERT_EQ(writer->BeginTimeRecord(blocks, blockSize, 1000.0, 0.0f, xUnit.get(), yUnit.get(), none.get(), none.get(),
+    EXPECT_EQ(source->QueryInterface(IID_IMeasurementBlockWriter, reinterpret_cast<void**>(&writer)), S_OK);
+    source->Release();
+    Bstr name{std::string_view{"Meas0"}}, xUnit{std::string_view{"s"}}, yUnit{std::string_view{"Pa"}};
+    Bstr none{std::string_view{}};
+    EXPECT_EQ(writer->Create(storage, name.get()), S_OK);
+    EXPECT_EQ(writer->BeginTimeRecord(blocks, blockSize, 1000.0, 0.0f, xUnit.get(), yUnit.get(), none.get(), none.get(),
                                       0.0, 0.0, nullptr),
               S_OK);
-    std::vector<float> block(static_cast<std::size_t>(blockSize));
-    for (LONG b = 0; b < blocks; ++b) {
-        for (LONG i = 0; i < blockSize; ++i) block[static_cast<std::size_t>(i)] = sampleValue(static_cast<std::int64_t>(b) * blockSize + i);
-        ASSERT_EQ(writer->WriteBlock(block.data(), blockSize, 0), S_OK);
-    }
-    ASSERT_EQ(writer->Finish(nullptr), S_OK);
-    writer->Close();
-    writer->Release();
-    source->Release();
+    return writer;
 }
 
 long residentKiB() {
@@ -56,7 +48,15 @@ TEST_F(PagingWorkspace, TenMillionSamplesPageBackFromTheWorkspaceFile) {
         ASSERT_EQ(createCompoundFile(file, STGM_CREATE | STGM_READWRITE, &root), S_OK);
         ASSERT_EQ(root->CreateStorage(u"Workspace", 0x1011, 0, 0, &workspace), S_OK);
         ASSERT_EQ(workspace->CreateStorage(u"Blocks", 0x1011, 0, 0, &blocks), S_OK);
-        writeRecord(blocks, u"Meas0", 1000, 10000);
+        IMeasurementBlockWriter* writer = beginRecord(blocks, 1000, 10000);
+        std::vector<float> block(10000);
+        for (LONG b = 0; b < 1000; ++b) {
+            for (LONG i = 0; i < 10000; ++i) block[static_cast<std::size_t>(i)] = sampleValue(b * 10000 + i);
+            ASSERT_EQ(writer->WriteBlock(block.data(), 10000, 0), S_OK);
+        }
+        ASSERT_EQ(writer->Finish(nullptr), S_OK);
+        writer->Close();
+        writer->Release();
         blocks->Release();
         workspace->Release();
         ASSERT_EQ(root->Commit(STGC_DEFAULT), S_OK);
@@ -78,20 +78,14 @@ TEST_F(PagingWorkspace, TenMillionSamplesPageBackFromTheWorkspaceFile) {
     workspace->Release();
     root->Release();
 
-    LONG size = 0, fileSamples = 0;
-    SHORT uncompleted = 0, useful = 0;
-    m->get_Size(&size);
-    m->get_FileSamples(&fileSamples);
-    m->get_IsUncompleted(&uncompleted);
-    EXPECT_EQ(size, kBlock);
-    EXPECT_EQ(fileSamples, kSamples);
-    EXPECT_NE(uncompleted, 0);
+    EXPECT_EQ(value(m, &I::get_Size), kBlock);
+    EXPECT_EQ(value(m, &I::get_FileSamples), kSamples);
+    EXPECT_NE(value(m, &I::get_IsUncompleted), 0);
 
     // A span inside a block, from the file itself: every sample as stored.
     const LONG spanStart = 5 * kBlock + 100;
     ASSERT_EQ(m->ReadData(spanStart, 1000), S_OK);
-    m->get_IsUsefullData(&useful);
-    EXPECT_NE(useful, 0);
+    EXPECT_NE(value(m, &I::get_IsUsefullData), 0);
     for (LONG i = spanStart; i < spanStart + 1000; ++i) {
         float v = 0;
         ASSERT_EQ(m->get_YReal(i, &v), S_OK) << i;
@@ -105,11 +99,8 @@ TEST_F(PagingWorkspace, TenMillionSamplesPageBackFromTheWorkspaceFile) {
 
     // The whole record: a min/max envelope of chunks of n / (B / 2) samples in one block.
     ASSERT_EQ(m->ReadData(0, kSamples), S_OK);
-    float factor = 0;
-    m->get_CompressionFactor(&factor);
-    m->get_IsUsefullData(&useful);
-    EXPECT_EQ(useful, 0);
-    EXPECT_FLOAT_EQ(factor, static_cast<float>(static_cast<double>(kSamples) / kBlock));
+    EXPECT_EQ(value(m, &I::get_IsUsefullData), 0);
+    EXPECT_FLOAT_EQ(value(m, &I::get_CompressionFactor), static_cast<float>(static_cast<double>(kSamples) / kBlock));
     std::vector<float> expected = expectedEnvelope(kBlock / 2, kSamples / (kBlock / 2));
     std::vector<float> picture(kBlock);
     ASSERT_EQ(m->ReadYRealArray(picture.data(), kBlock, 0), S_OK);
@@ -126,17 +117,9 @@ TEST_F(PagingWorkspace, OverviewOfA400MegabyteRecordStaysWithinItsBlock) {
     {
         IStorage* root = nullptr;
         ASSERT_EQ(createCompoundFile(dir_ / "header.cfb", STGM_CREATE | STGM_READWRITE, &root), S_OK);
-        CMeasurement* source = CMeasurement::createMeasurement();
-        IMeasurementBlockWriter* writer = nullptr;
-        ASSERT_EQ(source->QueryInterface(IID_IMeasurementBlockWriter, reinterpret_cast<void**>(&writer)), S_OK);
-        Bstr streamName{std::string_view{"Meas0"}}, none{std::string_view{}};
-        ASSERT_EQ(writer->Create(root, streamName.get()), S_OK);
-        ASSERT_EQ(writer->BeginTimeRecord(kBlocks, kBlockSamples, 1000.0, 0.0f, none.get(), none.get(), none.get(),
-                                          none.get(), 0.0, 0.0, nullptr),
-                  S_OK);
+        IMeasurementBlockWriter* writer = beginRecord(root, kBlocks, kBlockSamples);
         writer->Close();
         writer->Release();
-        source->Release();
         IStream* stream = nullptr;
         ASSERT_EQ(root->OpenStream(u"Meas0", nullptr, 0x10, 0, &stream), S_OK);
         header.resize(920);
@@ -149,9 +132,7 @@ TEST_F(PagingWorkspace, OverviewOfA400MegabyteRecordStaysWithinItsBlock) {
     GeneratedStream stream(header, kSamples);
     CMeasurement* m = CMeasurement::createMeasurement();
     ASSERT_EQ(loadRecord(m, &stream), S_OK);
-    LONG fileSamples = 0;
-    m->get_FileSamples(&fileSamples);
-    ASSERT_EQ(fileSamples, kSamples);
+    ASSERT_EQ(value(m, &I::get_FileSamples), kSamples);
 
     const long before = residentKiB();
     ASSERT_GT(before, 0);
@@ -162,10 +143,8 @@ TEST_F(PagingWorkspace, OverviewOfA400MegabyteRecordStaysWithinItsBlock) {
     const std::int64_t chunkSize = kSamples / (kBlock / 2);
     EXPECT_GE(stream.bytesRead(), static_cast<std::uint64_t>(chunkSize) * (kBlock / 2) * 4);
     EXPECT_LE(stream.largestRead(), 1u << 20) << "the stream is read through a bounded buffer";
-    float factor = 0;
-    m->get_CompressionFactor(&factor);
-    EXPECT_FLOAT_EQ(factor, static_cast<float>(static_cast<double>(kSamples) / kBlock));
-    // Spot checks of the picture: the first and the last chunk.
+    EXPECT_FLOAT_EQ(value(m, &I::get_CompressionFactor), static_cast<float>(static_cast<double>(kSamples) / kBlock));
+    // Spot check of the picture: the first chunk.
     std::vector<float> picture(kBlock);
     ASSERT_EQ(m->ReadYRealArray(picture.data(), kBlock, 0), S_OK);
     std::vector<float> first = expectedEnvelope(1, chunkSize);

@@ -1,55 +1,41 @@
 // Signal range: values and their Modified mark, put and get by name, copies and the owner rule,
 // embedding in an owner that takes over the reference count.
-#include <gtest/gtest.h>
-
-#include "../frame/TestHelpers.h"
 #include "../frame/TestObjects.h"
-#include "frame/ClassTable.h"
+#include "PersistenceTestSupport.h"
 #include "frame/ObjectCount.h"
 #include "measurement/SignalRange.h"
-#include "nvdl/IMeasurement.h"
 
 namespace nvdl::test {
 namespace {
 
-using DoubleGet = HRESULT (ISignalRange::*)(double*);
-using DoublePut = HRESULT (ISignalRange::*)(double);
+using R = ISignalRange;
 struct DoubleMember {
     const char* name;
-    DoubleGet get;
-    DoublePut put;
+    HRESULT (R::*get)(double*);
+    HRESULT (R::*put)(double);
 };
 const DoubleMember kDoubles[] = {
-    {"Min", &ISignalRange::get_Min, &ISignalRange::put_Min},
-    {"Max", &ISignalRange::get_Max, &ISignalRange::put_Max},
-    {"OverallMin", &ISignalRange::get_OverallMin, &ISignalRange::put_OverallMin},
-    {"OverallMax", &ISignalRange::get_OverallMax, &ISignalRange::put_OverallMax},
-    {"Mean", &ISignalRange::get_Mean, &ISignalRange::put_Mean},
-    {"Rms", &ISignalRange::get_Rms, &ISignalRange::put_Rms},
-    {"StandardDeviation", &ISignalRange::get_StandardDeviation, &ISignalRange::put_StandardDeviation},
-    {"Factor", &ISignalRange::get_Factor, &ISignalRange::put_Factor},
-    {"UnitOffset", &ISignalRange::get_UnitOffset, &ISignalRange::put_UnitOffset},
+    {"Min", &R::get_Min, &R::put_Min},
+    {"Max", &R::get_Max, &R::put_Max},
+    {"OverallMin", &R::get_OverallMin, &R::put_OverallMin},
+    {"OverallMax", &R::get_OverallMax, &R::put_OverallMax},
+    {"Mean", &R::get_Mean, &R::put_Mean},
+    {"Rms", &R::get_Rms, &R::put_Rms},
+    {"StandardDeviation", &R::get_StandardDeviation, &R::put_StandardDeviation},
+    {"Factor", &R::get_Factor, &R::put_Factor},
+    {"UnitOffset", &R::get_UnitOffset, &R::put_UnitOffset},
 };
 
-double read(ISignalRange& r, DoubleGet get) {
-    double v = -99.0;
+// What a getter gives; it starts away from every value the tests expect, so a getter that writes
+// nothing shows.
+template <class T>
+T read(R& r, HRESULT (R::*get)(T*)) {
+    T v = static_cast<T>(-99);
     EXPECT_EQ((r.*get)(&v), S_OK);
     return v;
 }
 
-float rangeOf(ISignalRange& r) {
-    float v = -99.0f;
-    EXPECT_EQ(r.get_Range(&v), S_OK);
-    return v;
-}
-
-SHORT modifiedOf(ISignalRange& r) {
-    SHORT v = 99;
-    EXPECT_EQ(r.get_Modified(&v), S_OK);
-    return v;
-}
-
-IDispatch* measurementOf(ISignalRange& r) {
+IDispatch* measurementOf(R& r) {
     IDispatch* owner = nullptr;
     EXPECT_EQ(r.get_Measurement(&owner), S_OK);
     if (owner) owner->Release();
@@ -57,7 +43,7 @@ IDispatch* measurementOf(ISignalRange& r) {
 }
 
 // Distinct values for the ten properties, one per position.
-void fill(ISignalRange& r, double base) {
+void fill(R& r, double base) {
     double value = base;
     for (const DoubleMember& m : kDoubles) {
         (r.*m.put)(value);
@@ -66,36 +52,32 @@ void fill(ISignalRange& r, double base) {
     r.put_Range(static_cast<float>(base) + 0.5f);
 }
 
-void expectFilled(ISignalRange& r, double base) {
+void expectFilled(R& r, double base) {
     double value = base;
     for (const DoubleMember& m : kDoubles) {
         EXPECT_EQ(read(r, m.get), value) << m.name;
         value += 1.0;
     }
-    EXPECT_EQ(rangeOf(r), static_cast<float>(base) + 0.5f);
+    EXPECT_EQ(read(r, &R::get_Range), static_cast<float>(base) + 0.5f);
 }
 
-TEST(SignalRange, NewRangeIsZeroAndUnmodified) {
-    CSignalRange r;
-    for (const DoubleMember& m : kDoubles) EXPECT_EQ(read(r, m.get), 0.0) << m.name;
-    EXPECT_EQ(rangeOf(r), 0.0f);
-    EXPECT_EQ(modifiedOf(r), 0);
-    EXPECT_EQ(measurementOf(r), nullptr);
-}
-
-TEST(SignalRange, EverySetterStoresWithoutChecksAndMarksModified) {
+TEST(SignalRange, NewRangeIsZeroAndEverySetterStoresWithoutChecksAndMarksModified) {
     for (const DoubleMember& m : kDoubles) {
         CSignalRange r;
+        EXPECT_EQ(read(r, m.get), 0.0) << m.name;
+        EXPECT_EQ(read(r, &R::get_Modified), 0) << m.name;
         EXPECT_EQ((r.*m.put)(-1e300), S_OK) << m.name;
         EXPECT_EQ(read(r, m.get), -1e300) << m.name;
-        EXPECT_EQ(modifiedOf(r), -1) << m.name;
+        EXPECT_EQ(read(r, &R::get_Modified), -1) << m.name;
     }
     CSignalRange r;
+    EXPECT_EQ(read(r, &R::get_Range), 0.0f);
+    EXPECT_EQ(measurementOf(r), nullptr);
     EXPECT_EQ(r.put_Range(-3.5f), S_OK);
-    EXPECT_EQ(rangeOf(r), -3.5f);
-    EXPECT_EQ(modifiedOf(r), -1);
+    EXPECT_EQ(read(r, &R::get_Range), -3.5f);
+    EXPECT_EQ(read(r, &R::get_Modified), -1);
     EXPECT_EQ(r.put_Modified(0), S_OK);
-    EXPECT_EQ(modifiedOf(r), 0);
+    EXPECT_EQ(read(r, &R::get_Modified), 0);
 }
 
 TEST(SignalRange, NullOutputsAreRefused) {
@@ -109,41 +91,35 @@ TEST(SignalRange, NullOutputsAreRefused) {
     EXPECT_EQ(r.get_Property(Bstr(std::string_view("Min")).get(), nullptr), E_POINTER);
 }
 
-TEST(SignalRange, PutPropertyParsesByTheDeclaredType) {
+TEST(SignalRange, PropertiesByNameParseByTheDeclaredTypeAndLateBoundCallsSeeTheValues) {
     CSignalRange r;
-    EXPECT_EQ(r.put_Property(Bstr(std::string_view("Mean")).get(), Bstr(std::string_view("-2.5e3")).get()), S_OK);
-    EXPECT_EQ(read(r, &ISignalRange::get_Mean), -2500.0);
-    EXPECT_EQ(r.put_Property(Bstr(std::string_view("Range")).get(), Bstr(std::string_view("10 V")).get()), S_OK);
-    EXPECT_EQ(rangeOf(r), 10.0f);
-    EXPECT_EQ(r.put_Property(Bstr(std::string_view("Modified")).get(), Bstr(std::string_view("0")).get()), S_OK);
-    EXPECT_EQ(modifiedOf(r), 0);
-
-    EXPECT_EQ(r.put_Property(Bstr(std::string_view("Range")).get(), Bstr(std::string_view("abc")).get()), E_INVALIDARG);
-    EXPECT_EQ(rangeOf(r), 10.0f);
-    EXPECT_EQ(r.put_Property(Bstr(std::string_view("Min")).get(), Bstr(std::string_view("")).get()), E_FAIL);
-    EXPECT_EQ(r.put_Property(Bstr(std::string_view("")).get(), Bstr(std::string_view("1")).get()), E_FAIL);
-}
-
-TEST(SignalRange, PutPropertyOfAnUnknownNameRaisesItsMessage) {
-    CSignalRange r;
+    auto put = [&r](const char* name, const char* value) {
+        return r.put_Property(Bstr(std::string_view(name)).get(), Bstr(std::string_view(value)).get());
+    };
+    EXPECT_EQ(put("Mean", "-2.5e3"), S_OK);
+    EXPECT_EQ(read(r, &R::get_Mean), -2500.0);
+    EXPECT_EQ(put("Range", "10 V"), S_OK);
+    EXPECT_EQ(read(r, &R::get_Range), 10.0f);
+    EXPECT_EQ(put("Modified", "0"), S_OK);
+    EXPECT_EQ(read(r, &R::get_Modified), 0);
+    EXPECT_EQ(put("Range", "abc"), E_INVALIDARG);
+    EXPECT_EQ(read(r, &R::get_Range), 10.0f);
+    EXPECT_EQ(put("Min", ""), E_FAIL);
+    EXPECT_EQ(put("", "1"), E_FAIL);
+    // An unknown name raises its message; names match as the interface spells them.
     clearErrorInfo();
-    EXPECT_EQ(r.put_Property(Bstr(std::string_view("NoSuch")).get(), Bstr(std::string_view("1")).get()), E_FAIL);
+    EXPECT_EQ(put("NoSuch", "1"), E_FAIL);
     EXPECT_EQ(pendingDescription(), "NoSuch does not have property put.");
-    // Names match as the interface spells them.
-    EXPECT_EQ(r.put_Property(Bstr(std::string_view("min")).get(), Bstr(std::string_view("1")).get()), E_FAIL);
-    EXPECT_EQ(read(r, &ISignalRange::get_Min), 0.0);
-}
+    EXPECT_EQ(put("min", "1"), E_FAIL);
+    EXPECT_EQ(read(r, &R::get_Min), 0.0);
 
-TEST(SignalRange, GetPropertyAndLateBoundCallsSeeTheValues) {
-    CSignalRange r;
     r.put_Rms(0.25);
-    Bstr text;
-    EXPECT_EQ(r.get_Property(Bstr(std::string_view("Rms")).get(), text.out()), S_OK);
-    EXPECT_EQ(text.ansi(), "0.25");
-    EXPECT_TRUE(FAILED(r.get_Property(Bstr(std::string_view("NoSuch")).get(), text.out())));
-
+    Bstr got;
+    EXPECT_EQ(r.get_Property(Bstr(std::string_view("Rms")).get(), got.out()), S_OK);
+    EXPECT_EQ(got.ansi(), "0.25");
+    EXPECT_TRUE(FAILED(r.get_Property(Bstr(std::string_view("NoSuch")).get(), got.out())));
     EXPECT_EQ(putText(r.dispatch(), u"StandardDeviation", "1.75"), S_OK);
-    EXPECT_EQ(read(r, &ISignalRange::get_StandardDeviation), 1.75);
+    EXPECT_EQ(read(r, &R::get_StandardDeviation), 1.75);
     EXPECT_EQ(getText(r.dispatch(), u"StandardDeviation"), "1.75");
 }
 
@@ -159,7 +135,7 @@ TEST(SignalRange, CopyCarriesValuesFlagAndOwnerOnlyToAnOwnerlessTarget) {
     loose.put_Min(77.0);
     EXPECT_EQ(source.Copy(&loose), S_OK);
     expectFilled(loose, 1.0);
-    EXPECT_EQ(modifiedOf(loose), 0);  // the flag is the source's, after the setters marked it
+    EXPECT_EQ(read(loose, &R::get_Modified), 0);  // the flag is the source's, after the setters marked it
     EXPECT_EQ(measurementOf(loose), ownerA->dispatch());
 
     CSignalRange owned;
@@ -167,7 +143,7 @@ TEST(SignalRange, CopyCarriesValuesFlagAndOwnerOnlyToAnOwnerlessTarget) {
     source.put_Modified(-1);
     EXPECT_EQ(source.Copy(&owned), S_OK);
     expectFilled(owned, 1.0);
-    EXPECT_EQ(modifiedOf(owned), -1);
+    EXPECT_EQ(read(owned, &R::get_Modified), -1);
     EXPECT_EQ(measurementOf(owned), ownerB->dispatch());
 
     CSignalRange assigned;
@@ -190,7 +166,7 @@ TEST(SignalRange, CloneIsACountedObjectOfItsOwnWithTheSourcesOwnerAsMeasurement)
         ASSERT_EQ(embedded.Clone(&copy), S_OK);
         ASSERT_NE(copy, nullptr);
         expectFilled(*copy, 5.0);
-        EXPECT_EQ(modifiedOf(*copy), -1);
+        EXPECT_EQ(read(*copy, &R::get_Modified), -1);
         EXPECT_EQ(measurementOf(*copy), owner->dispatch());
 
         // The clone counts for itself; the owner's count does not move.
@@ -239,21 +215,8 @@ TEST(SignalRange, DeadMeasurementIsClearedAndTheFlagStaysLocal) {
     EXPECT_EQ(r.get_Measurement(&seen), E_POINTER);
     EXPECT_EQ(seen, nullptr);
     EXPECT_EQ(r.put_Max(3.0), S_OK);
-    EXPECT_EQ(modifiedOf(r), -1);
+    EXPECT_EQ(read(r, &R::get_Modified), -1);
     EXPECT_EQ(measurementOf(r), nullptr);
-}
-
-
-IMeasurement* newMeasurement() {
-    IDispatch* object = nullptr;
-    EXPECT_EQ(createInstance(CLSID_CMeasurement, &object), S_OK);
-    return static_cast<IMeasurement*>(object);
-}
-
-SHORT modifiedOf(IMeasurement& m) {
-    SHORT v = 99;
-    EXPECT_EQ(m.get_Modified(&v), S_OK);
-    return v;
 }
 
 TEST(SignalRange, RangeOfAMeasurementMarksItAndKeepsItAlive) {
@@ -266,18 +229,18 @@ TEST(SignalRange, RangeOfAMeasurementMarksItAndKeepsItAlive) {
 
     m->put_Modified(0);
     EXPECT_EQ(range->put_Mean(0.5), S_OK);
-    EXPECT_NE(modifiedOf(*m), 0);
+    EXPECT_NE(value(m, &IMeasurement::get_Modified), 0);
     // Clearing stays with the range.
     range->put_Modified(0);
-    EXPECT_NE(modifiedOf(*m), 0);
+    EXPECT_NE(value(m, &IMeasurement::get_Modified), 0);
     m->put_Modified(0);
     EXPECT_EQ(putText(range, u"Range", "5"), S_OK);
-    EXPECT_NE(modifiedOf(*m), 0);
+    EXPECT_NE(value(m, &IMeasurement::get_Modified), 0);
 
     // The range's reference holds the whole measurement.
     m->Release();
-    EXPECT_EQ(read(*range, &ISignalRange::get_Mean), 0.5);
-    EXPECT_EQ(rangeOf(*range), 5.0f);
+    EXPECT_EQ(read(*range, &R::get_Mean), 0.5);
+    EXPECT_EQ(read(*range, &R::get_Range), 5.0f);
     range->Release();
     EXPECT_EQ(g_nObjects, objectsBefore);
 }

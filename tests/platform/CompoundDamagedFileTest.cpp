@@ -1,6 +1,6 @@
 // Damaged and hostile compound files end in a status code: no crash, no endless loop, no
 // allocation beyond what the file's size justifies.
-#include <fstream>
+#include <functional>
 #include <random>
 
 #include <gtest/gtest.h>
@@ -10,10 +10,6 @@
 
 namespace nvdl::test {
 namespace {
-
-constexpr DWORD kCreate = STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE;
-constexpr DWORD kRead = STGM_READ | STGM_SHARE_EXCLUSIVE;
-using Bytes = std::vector<std::uint8_t>;
 
 Bytes load(const std::filesystem::path& file) {
     std::ifstream in(file, std::ios::binary);
@@ -25,75 +21,63 @@ void save(const std::filesystem::path& file, const Bytes& bytes) {
     out.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
-// Opens the file and reads every element of it; the status of the first failure, or S_OK.
+// Reads every element below `storage`; the status of the first failure, or S_OK.
+HRESULT readEverything(IStorage* storage) {
+    std::vector<STATSTG> elements;
+    HRESULT h = storage->EnumElements(&elements);
+    for (std::size_t i = 0; i < elements.size() && SUCCEEDED(h); ++i) {
+        const STATSTG& e = elements[i];
+        if (e.type == STGTY_STORAGE) {
+            Ref<IStorage> child;
+            h = storage->OpenStorage(e.name.c_str(), nullptr, kRead, nullptr, 0, child.out());
+            if (SUCCEEDED(h)) h = readEverything(child.get());
+        } else {
+            Ref<IStream> s;
+            h = storage->OpenStream(e.name.c_str(), nullptr, kRead, 0, s.out());
+            Bytes buffer(8192);
+            for (ULONG got = 1; SUCCEEDED(h) && got > 0;) h = s->Read(buffer.data(), 8192, &got);
+        }
+    }
+    return h;
+}
+
 HRESULT openAndReadEverything(const std::filesystem::path& file) {
     Ref<IStorage> root;
     HRESULT h = openCompoundFile(file, kRead, root.out());
-    if (FAILED(h)) return h;
-    std::vector<Ref<IStorage>> pending;
-    std::vector<IStorage*> todo{root.get()};
-    while (!todo.empty()) {
-        IStorage* storage = todo.back();
-        todo.pop_back();
-        std::vector<STATSTG> elements;
-        if (FAILED(h = storage->EnumElements(&elements))) return h;
-        for (const STATSTG& e : elements) {
-            if (e.type == STGTY_STORAGE) {
-                pending.emplace_back();
-                if (FAILED(h = storage->OpenStorage(e.name.c_str(), nullptr, kRead, nullptr, 0, pending.back().out())))
-                    return h;
-                todo.push_back(pending.back().get());
-            } else {
-                Ref<IStream> s;
-                if (FAILED(h = storage->OpenStream(e.name.c_str(), nullptr, kRead, 0, s.out()))) return h;
-                std::uint8_t buffer[8192];
-                ULONG got = 0;
-                do {
-                    if (FAILED(h = s->Read(buffer, sizeof buffer, &got))) return h;
-                } while (got > 0);
-            }
-        }
-    }
-    return S_OK;
+    return FAILED(h) ? h : readEverything(root.get());
 }
 
 // A small well-formed file: a storage, a mini-stream stream and a stream in file sectors.
 class CompoundDamagedFileTest : public ::testing::TestWithParam<bool> {
 protected:
     void SetUp() override {
-        Ref<IStorage> root;
-        CompoundFileOptions options;
-        options.largeSectors = GetParam();
-        ASSERT_EQ(createCompoundFile(good, kCreate, root.out(), options), S_OK);
-        Ref<IStorage> sub;
-        ASSERT_EQ(root->CreateStorage(u"sub", kCreate, 0, 0, sub.out()), S_OK);
-        Ref<IStream> s;
-        ASSERT_EQ(sub->CreateStream(u"mini", kCreate, 0, 0, s.out()), S_OK);
-        writeAll(s.get(), content("mini", 300));
-        ASSERT_EQ(root->CreateStream(u"big", kCreate, 0, 0, s.out()), S_OK);
-        writeAll(s.get(), content("big", 20000));
-        s.reset();
-        sub.reset();
-        root.reset();
-        bytes = load(good);
-        sectorSize = std::size_t{1} << cfb::load16(bytes.data() + 30);
+        {
+            Ref<IStorage> root, sub;
+            ASSERT_EQ(createCompoundFile(good, kCreate, root.out(), {GetParam()}), S_OK);
+            ASSERT_EQ(root->CreateStorage(u"sub", kCreate, 0, 0, sub.out()), S_OK);
+            putStream(sub.get(), u"mini", content("mini", 300));
+            putStream(root.get(), u"big", content("big", 20000));
+        }
+        ASSERT_EQ(openAndReadEverything(good), S_OK);
+        original = bytes = load(good);
+        sectorSize = std::size_t{1} << cfb::load16(at(30));
     }
-    std::size_t sectorOffset(std::uint32_t sector) const { return (sector + 1) * sectorSize; }
-    // The directory entry of that name (the directory fits one sector here).
+    std::uint8_t* at(std::size_t offset) { return bytes.data() + offset; }
+    std::uint8_t* sector(std::uint32_t index) { return at((index + 1) * sectorSize); }
+    std::uint32_t directorySector() { return cfb::load32(at(48)); }
+    // The directory entry of that number, and of that name (the directory fits one sector here).
+    std::uint8_t* entry(std::uint32_t id) { return sector(directorySector()) + 128 * id; }
     std::uint8_t* entry(const std::u16string& name) {
-        std::uint8_t* dirSector = bytes.data() + sectorOffset(cfb::load32(bytes.data() + 48));
-        for (std::size_t i = 0; i < sectorSize / 128; ++i) {
-            std::uint8_t* e = dirSector + i * 128;
+        for (std::uint32_t id = 0; id < sectorSize / 128; ++id) {
             std::u16string n;
-            for (std::size_t c = 0; c < 31 && cfb::load16(e + 2 * c); ++c) n.push_back(cfb::load16(e + 2 * c));
-            if (n == name) return e;
+            for (const std::uint8_t* c = entry(id); n.size() < 31 && cfb::load16(c); c += 2)
+                n.push_back(cfb::load16(c));
+            if (n == name) return entry(id);
         }
         ADD_FAILURE() << "no entry";
-        return dirSector;
+        return entry(0u);
     }
-    std::uint8_t* fatEntry(std::uint32_t sector) {
-        return bytes.data() + sectorOffset(cfb::load32(bytes.data() + 76)) + 4 * sector;
-    }
+    std::uint8_t* fatEntry(std::uint32_t index) { return sector(cfb::load32(at(76))) + 4 * index; }
     HRESULT openPatched() {
         save(bad, bytes);
         return openAndReadEverything(bad);
@@ -102,11 +86,9 @@ protected:
     TempDir dir;
     std::filesystem::path good = dir.file("good.cfb");
     std::filesystem::path bad = dir.file("bad.cfb");
-    Bytes bytes;
+    Bytes original, bytes;
     std::size_t sectorSize = 512;
 };
-
-TEST_P(CompoundDamagedFileTest, WellFormedBaseReads) { EXPECT_EQ(openAndReadEverything(good), S_OK); }
 
 TEST_P(CompoundDamagedFileTest, NotACompoundFile) {
     save(bad, Bytes{});
@@ -118,100 +100,58 @@ TEST_P(CompoundDamagedFileTest, NotACompoundFile) {
     EXPECT_EQ(openPatched(), STG_E_INVALIDHEADER);
 }
 
-TEST_P(CompoundDamagedFileTest, HeaderFieldsOutOfRange) {
-    Bytes original = bytes;
-    cfb::store16(bytes.data() + 30, 10);  // sector shift
-    EXPECT_EQ(openPatched(), STG_E_INVALIDHEADER);
-    bytes = original;
-    cfb::store16(bytes.data() + 28, 0xFEFF);  // byte order
-    EXPECT_EQ(openPatched(), STG_E_INVALIDHEADER);
-    bytes = original;
-    cfb::store32(bytes.data() + 44, 0xFFFFFFF0);  // FAT sector count
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-    bytes = original;
-    cfb::store32(bytes.data() + 44, 200);  // FAT sectors listed in DIFAT sectors that do not exist
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-    bytes = original;
-    cfb::store32(bytes.data() + 76, 0x7FFFFFFF);  // first FAT sector far past the end
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-    bytes = original;
-    cfb::store32(bytes.data() + 48, 0x7FFFFFFF);  // directory past the end
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-}
-
-TEST_P(CompoundDamagedFileTest, ChainLoopsAndSharedSectors) {
-    Bytes original = bytes;
-    std::uint32_t first = cfb::load32(entry(u"big") + 116);
-    cfb::store32(fatEntry(first + 1), first);  // the chain turns back
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-    bytes = original;
-    cfb::store32(fatEntry(first), first);  // a sector linked to itself
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-    bytes = original;
-    // The directory's chain runs into the stream's sectors.
-    cfb::store32(fatEntry(cfb::load32(bytes.data() + 48)), first);
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-    bytes = original;
-    cfb::store32(entry(u"mini") + 116, 4000);  // a mini sector beyond the mini stream
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-}
-
-TEST_P(CompoundDamagedFileTest, SizesBeyondTheirChains) {
-    Bytes original = bytes;
-    cfb::store32(entry(u"big") + 120, 1000000);
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-    bytes = original;
-    cfb::store32(entry(u"mini") + 120, 4000);
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-    bytes = original;
-    cfb::store32(entry(u"Root Entry") + 120, 0x7FFFFFC0);  // the mini stream
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-    if (GetParam()) {
+TEST_P(CompoundDamagedFileTest, EachDamageGivesItsStatus) {
+    struct Damage {
+        const char* what;
+        HRESULT expected;
+        std::function<void()> patch;
+    };
+    const std::uint32_t big = cfb::load32(entry(u"big") + 116);
+    const std::uint32_t firstChild = cfb::load32(entry(u"Root Entry") + 76);
+    constexpr HRESULT kCorrupt = STG_E_DOCFILECORRUPT;
+    std::vector<Damage> damages = {
+        {"sector shift", STG_E_INVALIDHEADER, [&] { cfb::store16(at(30), 10); }},
+        {"byte order", STG_E_INVALIDHEADER, [&] { cfb::store16(at(28), 0xFEFF); }},
+        {"FAT sector count", kCorrupt, [&] { cfb::store32(at(44), 0xFFFFFFF0); }},
+        {"FAT sectors in missing DIFAT sectors", kCorrupt, [&] { cfb::store32(at(44), 200); }},
+        {"first FAT sector past the end", kCorrupt, [&] { cfb::store32(at(76), 0x7FFFFFFF); }},
+        {"directory past the end", kCorrupt, [&] { cfb::store32(at(48), 0x7FFFFFFF); }},
+        {"chain turns back", kCorrupt, [&] { cfb::store32(fatEntry(big + 1), big); }},
+        {"sector linked to itself", kCorrupt, [&] { cfb::store32(fatEntry(big), big); }},
+        {"directory chain runs into a stream", kCorrupt, [&] { cfb::store32(fatEntry(directorySector()), big); }},
+        {"mini sector beyond the mini stream", kCorrupt, [&] { cfb::store32(entry(u"mini") + 116, 4000); }},
+        {"stream size beyond its chain", kCorrupt, [&] { cfb::store32(entry(u"big") + 120, 1000000); }},
+        {"mini stream size beyond its chain", kCorrupt, [&] { cfb::store32(entry(u"mini") + 120, 4000); }},
+        {"root's mini stream size", kCorrupt, [&] { cfb::store32(entry(u"Root Entry") + 120, 0x7FFFFFC0); }},
+        {"sibling is itself", kCorrupt, [&] { cfb::store32(entry(firstChild) + 68, firstChild); }},
+        {"storage's child is the root", kCorrupt, [&] { cfb::store32(entry(u"sub") + 76, 0); }},
+        {"child past the directory", kCorrupt, [&] { cfb::store32(entry(u"sub") + 76, 1000); }},
+        {"storage reached from inside itself", kCorrupt, [&] { cfb::store32(entry(u"mini") + 72, firstChild); }},
+        {"name length past the field", kCorrupt, [&] { cfb::store16(entry(u"big") + 64, 70); }},
+    };
+    if (GetParam())
+        damages.push_back({"64-bit stream size", kCorrupt, [&] { cfb::store64(entry(u"big") + 120, ~0ull); }});
+    for (const Damage& d : damages) {
         bytes = original;
-        cfb::store64(entry(u"big") + 120, ~std::uint64_t{0});
-        EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
+        d.patch();
+        EXPECT_EQ(openPatched(), d.expected) << d.what;
     }
 }
 
-TEST_P(CompoundDamagedFileTest, DirectoryTreeLoopsAndBadReferences) {
-    Bytes original = bytes;
-    std::uint32_t child = cfb::load32(entry(u"Root Entry") + 76);
-    std::uint8_t* childEntry = bytes.data() + sectorOffset(cfb::load32(bytes.data() + 48)) + 128 * child;
-    cfb::store32(childEntry + 68, child);  // left sibling is itself
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-    bytes = original;
-    cfb::store32(entry(u"sub") + 76, 0);  // the storage's child is the root
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-    bytes = original;
-    cfb::store32(entry(u"sub") + 76, 1000);  // past the directory
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-    bytes = original;
-    std::uint32_t subId = cfb::load32(entry(u"Root Entry") + 76);
-    cfb::store32(entry(u"mini") + 72, subId);  // a storage reached from inside itself
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-    bytes = original;
-    cfb::store16(entry(u"big") + 64, 70);  // name length past the field
-    EXPECT_EQ(openPatched(), STG_E_DOCFILECORRUPT);
-}
-
 TEST_P(CompoundDamagedFileTest, EveryTruncationAndRandomDamage) {
-    Bytes original = bytes;
-    for (std::size_t length = 0; length < original.size(); length += original.size() / 97 + 1) {
+    // Every sector of the file is in use: losing one is noticed.
+    for (std::size_t length = 0; length + sectorSize <= original.size(); length += original.size() / 97 + 1) {
         bytes.assign(original.begin(), original.begin() + static_cast<std::ptrdiff_t>(length));
-        // Every sector of the file is in use: losing one is noticed.
-        if (length + sectorSize <= original.size()) {
-            EXPECT_TRUE(FAILED(openPatched())) << length;
-        }
+        EXPECT_TRUE(FAILED(openPatched())) << length;
     }
     std::mt19937 random(GetParam() ? 4096 : 512);
     int failures = 0;
     for (int round = 0; round < 1500; ++round) {
         bytes = original;
-        int edits = 1 + static_cast<int>(random() % 8);
-        for (int i = 0; i < edits; ++i) {
+        for (int i = 0, edits = 1 + static_cast<int>(random() % 8); i < edits; ++i) {
             // Mostly within the header and the table sectors, where damage matters most.
-            std::size_t at = random() % 2 ? random() % 512 : random() % bytes.size();
-            bytes[at] = static_cast<std::uint8_t>(random() % 3 ? random() : (random() % 2 ? 0xFF : 0xFE));
+            std::size_t pos = random() % 2 ? random() % 512 : random() % bytes.size();
+            bytes[pos] = static_cast<std::uint8_t>(random() % 3 ? random() : (random() % 2 ? 0xFF : 0xFE));
         }
         if (FAILED(openPatched())) ++failures;
     }
@@ -220,9 +160,8 @@ TEST_P(CompoundDamagedFileTest, EveryTruncationAndRandomDamage) {
 
 TEST(CompoundDepthTest, NestingIsBoundedForWritersAndReaders) {
     TempDir dir;
-    Ref<IStorage> root;
+    Ref<IStorage> root, level;
     ASSERT_EQ(createCompoundFile(dir.file("deep.cfb"), kCreate, root.out()), S_OK);
-    Ref<IStorage> level;
     ASSERT_EQ(root->CreateStorage(u"d", kCreate, 0, 0, level.out()), S_OK);
     for (int depth = 2; depth <= 256; ++depth) {
         Ref<IStorage> next;
@@ -236,10 +175,7 @@ TEST(CompoundDepthTest, NestingIsBoundedForWritersAndReaders) {
     EXPECT_EQ(openAndReadEverything(dir.file("deep.cfb")), S_OK);
 }
 
-INSTANTIATE_TEST_SUITE_P(SectorSizes, CompoundDamagedFileTest, ::testing::Values(false, true),
-                         [](const ::testing::TestParamInfo<bool>& info) {
-                             return info.param ? std::string("Large") : std::string("Small");
-                         });
+INSTANTIATE_TEST_SUITE_P(SectorSizes, CompoundDamagedFileTest, ::testing::Bool(), sectorSizeName);
 
 }  // namespace
 }  // namespace nvdl::test

@@ -21,13 +21,15 @@ def clsid_bytes(text):
     return uuid.UUID(text.strip("{}")).bytes_le
 
 
+NULL_CLSID = "{00000000-0000-0000-0000-000000000000}"
+
 # The reference tree written with libgsf: (path, kind, size or class identifier).
 GSF_TREE = [
     ("/", "storage", "{11111111-2222-3333-4455-66778899AABB}"),
-    ("Version", "storage", "{00000000-0000-0000-0000-000000000000}"),
+    ("Version", "storage", NULL_CLSID),
     ("Version/Version", "stream", 9),
     ("Workspace", "storage", "{5B44CB71-F17B-4140-9D50-EC6F33B896B8}"),
-    ("Workspace/Blocks", "storage", "{00000000-0000-0000-0000-000000000000}"),
+    ("Workspace/Blocks", "storage", NULL_CLSID),
     ("Workspace/Blocks/Meas0", "stream", 0),
     ("Workspace/Blocks/Meas1", "stream", 63),
     ("Workspace/Blocks/Meas2", "stream", 4095),
@@ -52,23 +54,19 @@ def gsf_write(path, sector_size):
     outputs = {"": root}
     manifest = []
     for elem_path, kind, value in GSF_TREE:
+        parent, _, name = elem_path.rpartition("/")
         if elem_path == "/":
             root.set_class_id(clsid_bytes(value))
-            manifest.append(f"/\tstorage\t0\t{value}")
-            continue
-        parent, _, name = elem_path.rpartition("/")
-        if kind == "storage":
-            child = outputs[parent].new_child(name, True)
-            child.set_class_id(clsid_bytes(value))
-            outputs[elem_path] = child
-            manifest.append(f"{elem_path}\tstorage\t0\t{value}")
+        elif kind == "storage":
+            outputs[elem_path] = outputs[parent].new_child(name, True)
+            outputs[elem_path].set_class_id(clsid_bytes(value))
         else:
             child = outputs[parent].new_child(name, False)
-            data = content(elem_path, value)
-            if data:
-                child.write(data)
+            if value:
+                child.write(content(elem_path, value))
             child.close()
-            manifest.append(f"{elem_path}\tstream\t{value}\t-")
+        size, clsid = (0, value) if kind == "storage" else (value, "-")
+        manifest.append(f"{elem_path}\t{kind}\t{size}\t{clsid}")
     # Storages close children first.
     for elem_path in sorted((p for p in outputs if p), key=lambda p: -p.count("/")):
         outputs[elem_path].close()
@@ -79,33 +77,23 @@ def gsf_write(path, sector_size):
 def olefile_check(path, manifest_path):
     import olefile
 
-    errors = []
-    ole = olefile.OleFileIO(path, raise_defects=olefile.DEFECT_INCORRECT)
-    expected = {}
     with open(manifest_path, encoding="utf-8") as f:
-        for line in f:
-            elem_path, kind, size, clsid = line.rstrip("\n").split("\t")
-            expected[elem_path] = (kind, int(size), clsid)
-    root_kind, _, root_clsid = expected.pop("/")
-    if ("{" + ole.root.clsid + "}" if ole.root.clsid else "{00000000-0000-0000-0000-000000000000}") != root_clsid:
-        errors.append(f"root class {ole.root.clsid} != {root_clsid}")
-    found = {}
+        rows = (line.rstrip("\n").split("\t") for line in f)
+        expected = {elem_path: (kind, int(size), clsid) for elem_path, kind, size, clsid in rows}
+    ole = olefile.OleFileIO(path, raise_defects=olefile.DEFECT_INCORRECT)
+    found = {"/": ("storage", 0, "{" + ole.root.clsid + "}" if ole.root.clsid else NULL_CLSID)}
     for parts in ole.listdir(streams=True, storages=True):
-        elem_path = "/".join(parts)
         if ole.get_type(parts) == olefile.STGTY_STORAGE:
-            clsid = ole.getclsid(parts) or "00000000-0000-0000-0000-000000000000"
-            found[elem_path] = ("storage", 0, "{" + clsid + "}")
+            clsid = ole.getclsid(parts)
+            found["/".join(parts)] = ("storage", 0, "{" + clsid + "}" if clsid else NULL_CLSID)
         else:
-            found[elem_path] = ("stream", ole.get_size(parts), "-")
-    if found != expected:
-        for key in sorted(set(found) | set(expected)):
-            if found.get(key) != expected.get(key):
-                errors.append(f"{key}: olefile {found.get(key)} != expected {expected.get(key)}")
+            found["/".join(parts)] = ("stream", ole.get_size(parts), "-")
+    errors = [f"{key}: olefile {found.get(key)} != expected {expected.get(key)}"
+              for key in sorted(set(found) | set(expected)) if found.get(key) != expected.get(key)]
     # Contents: streams up to 64 MiB are compared whole; larger ones are not read by olefile.
     for elem_path, (kind, size, _) in expected.items():
         if kind == "stream" and size <= (64 << 20) and elem_path in found:
-            data = ole.openstream(elem_path.split("/")).read()
-            if data != content(elem_path, size):
+            if ole.openstream(elem_path.split("/")).read() != content(elem_path, size):
                 errors.append(f"{elem_path}: content differs")
     ole.close()
     for e in errors:

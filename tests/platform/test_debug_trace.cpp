@@ -1,5 +1,5 @@
+// Tracing: off, to standard error or appended to a file, lines cut to a bounded length.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
@@ -7,22 +7,16 @@
 #include <string>
 
 #include "EnvGuard.h"
+#include "TempDir.h"
 #include "platform/DebugTrace.h"
 
 namespace {
 
 class DebugTraceTest : public ::testing::Test {
 protected:
-    void SetUp() override {
-        path_ = std::filesystem::temp_directory_path() /
-                ("nvdl_trace_" + std::to_string(::getpid()) + "_" +
-                 ::testing::UnitTest::GetInstance()->current_test_info()->name() + ".log");
-        std::filesystem::remove(path_);
-    }
     void TearDown() override {
         env_.restore();
         nvdl::reloadDebugTraceSettings();
-        std::filesystem::remove(path_);
     }
 
     void traceTo(const std::string& value) {
@@ -30,28 +24,22 @@ protected:
         nvdl::reloadDebugTraceSettings();
     }
 
-    std::string fileText() const {
-        std::ifstream in(path_, std::ios::binary);
-        std::stringstream s;
-        s << in.rdbuf();
-        return s.str();
-    }
-
     EnvGuard env_;
-    std::filesystem::path path_;
+    nvdl::test::TempDir dir_;
+    std::filesystem::path path_ = dir_.file("trace.log");
 };
 
 }  // namespace
 
-TEST_F(DebugTraceTest, OffWritesNothing) {
-    for (const char* off : {"", "0"}) {
+TEST_F(DebugTraceTest, OffOrUnopenableWritesNothing) {
+    for (const std::string& off : {std::string(), std::string("0"), (path_ / "no" / "such" / "dir.log").string()}) {
         traceTo(off);
         EXPECT_FALSE(debugTraceEnabled()) << off;
+        testing::internal::CaptureStderr();
+        DebugTrace("invisible");
+        DebugTraceF("invisible %d", 1);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
     }
-    testing::internal::CaptureStderr();
-    DebugTrace("invisible");
-    DebugTraceF("invisible %d", 1);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }
 
 TEST_F(DebugTraceTest, StandardError) {
@@ -66,9 +54,7 @@ TEST_F(DebugTraceTest, StandardError) {
 }
 
 TEST_F(DebugTraceTest, FileLinesAreAppendedCutAndEnded) {
-    {
-        std::ofstream(path_) << "earlier\n";
-    }
+    std::ofstream(path_) << "earlier\n";
     traceTo(path_.string());
     ASSERT_TRUE(debugTraceEnabled());
     DebugTrace("ends with its own newline\n");
@@ -79,11 +65,7 @@ TEST_F(DebugTraceTest, FileLinesAreAppendedCutAndEnded) {
 
     const std::string expected = "earlier\nends with its own newline\n\n" + std::string(255, 'a') + "\n" +
                                  std::string(255, 'b') + "\n";
-    EXPECT_EQ(fileText(), expected);
-}
-
-TEST_F(DebugTraceTest, UnopenableFileLeavesTracingOff) {
-    traceTo((path_ / "no" / "such" / "dir.log").string());
-    EXPECT_FALSE(debugTraceEnabled());
-    DebugTrace("goes nowhere");
+    std::stringstream text;
+    text << std::ifstream(path_, std::ios::binary).rdbuf();
+    EXPECT_EQ(text.str(), expected);
 }

@@ -1,4 +1,4 @@
-// Host callbacks: defaults that never wait, and handlers that take over.
+// Host callbacks: defaults that never wait, and handlers that take over until cleared.
 #include <gtest/gtest.h>
 
 #include "platform/Host.h"
@@ -6,14 +6,7 @@
 namespace nvdl::host {
 namespace {
 
-TEST(Host, DefaultsAnswerTheFirstButtonAndGoOn) {
-    EXPECT_EQ(messageBox("Overwrite?", "Save", MB_YESNO | MB_ICONQUESTION), IDYES);
-    EXPECT_EQ(messageBox("Done", "Info", MB_OK), IDOK);
-    EXPECT_TRUE(reportProgress(50, "half"));
-    DoEvents();
-}
-
-TEST(Host, HandlersTakeOverUntilCleared) {
+TEST(Host, HandlersTakeOverAndDefaultsAnswerTheFirstButtonAndGoOn) {
     std::string seen;
     setMessageBoxHandler([&](const std::string& text, const std::string&, unsigned) {
         seen = text;
@@ -30,7 +23,11 @@ TEST(Host, HandlersTakeOverUntilCleared) {
     setMessageBoxHandler({});
     setDoEventsHandler({});
     setProgressHandler({});
-    EXPECT_EQ(messageBox("Save?", "Save", MB_YESNO), IDYES);
+    EXPECT_EQ(messageBox("Overwrite?", "Save", MB_YESNO | MB_ICONQUESTION), IDYES);
+    EXPECT_EQ(messageBox("Done", "Info", MB_OK), IDOK);
+    EXPECT_TRUE(reportProgress(100, "end"));
+    DoEvents();
+    EXPECT_EQ(pumped, 1);
 }
 
 }  // namespace

@@ -22,13 +22,18 @@ protected:
         ::close(pipe_[0]);
         ::close(pipe_[1]);
     }
-    void put(int bytes = 1) {
-        for (int i = 0; i < bytes; ++i) ASSERT_EQ(::write(pipe_[1], "x", 1), 1);
-    }
+    void put() { ASSERT_EQ(::write(pipe_[1], "x", 1), 1); }
     void empty() {
         char buffer[4096];
         while (::read(pipe_[0], buffer, sizeof buffer) > 0) {
         }
+    }
+    // Something arrived; once settled and the queue read empty, the ring is quiet again.
+    void expectMarkedThenQuietAgain() {
+        EXPECT_FALSE(ring_.quiet());
+        ring_.settle();
+        empty();
+        EXPECT_TRUE(ring_.quiet());
     }
 
     int pipe_[2] = {-1, -1};
@@ -38,26 +43,15 @@ protected:
 TEST_F(ReadinessRingTest, AWriteIsSeenAtOnceFromEveryWriter) {
     EXPECT_TRUE(ring_.quiet());
     put();
-    EXPECT_FALSE(ring_.quiet());  // written by this thread
-    EXPECT_FALSE(ring_.quiet());  // and it stays so until settled
-    ring_.settle();
-    empty();
-    EXPECT_TRUE(ring_.quiet());
-
+    EXPECT_FALSE(ring_.quiet());  // written by this thread, and it stays so until settled
+    expectMarkedThenQuietAgain();
     std::thread([this] { put(); }).join();
-    EXPECT_FALSE(ring_.quiet());
-    ring_.settle();
-    empty();
-    EXPECT_TRUE(ring_.quiet());
-
+    expectMarkedThenQuietAgain();
     const pid_t child = ::fork();
     if (child == 0) _exit(::write(pipe_[1], "x", 1) == 1 ? 0 : 1);
     int status = 0;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_FALSE(ring_.quiet());
-    ring_.settle();
-    empty();
-    EXPECT_TRUE(ring_.quiet());
+    expectMarkedThenQuietAgain();
 }
 
 TEST_F(ReadinessRingTest, AWriteBetweenSettleAndReadMarksTheRingAgain) {
@@ -84,9 +78,7 @@ TEST_F(ReadinessRingTest, OnlyThePollingThreadTrustsAQuietRing) {
     std::thread([&] { quietThere = ring_.quiet(); }).join();
     EXPECT_FALSE(quietThere);
     // A thread that used the ring has ended: the poll is placed anew before it is trusted.
-    EXPECT_FALSE(ring_.quiet());
-    ring_.settle();
-    EXPECT_TRUE(ring_.quiet());
+    expectMarkedThenQuietAgain();
     put();
     EXPECT_FALSE(ring_.quiet());
 }
@@ -96,14 +88,9 @@ TEST_F(ReadinessRingTest, APollWhoseThreadEndedIsPlacedAgain) {
     bool opened = false;
     std::thread([&] { opened = ring_.open(pipe_[0]); }).join();
     ASSERT_TRUE(opened);
-    EXPECT_FALSE(ring_.quiet());  // placed by a thread that has left
-    ring_.settle();
-    EXPECT_TRUE(ring_.quiet());
+    expectMarkedThenQuietAgain();  // placed by a thread that has left
     put();
-    EXPECT_FALSE(ring_.quiet());
-    ring_.settle();
-    empty();
-    EXPECT_TRUE(ring_.quiet());
+    expectMarkedThenQuietAgain();
     ring_.settle();  // a settle with nothing new keeps the poll where it is
     EXPECT_TRUE(ring_.quiet());
 }

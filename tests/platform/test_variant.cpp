@@ -117,7 +117,7 @@ TEST(Date, DaysFromTheEpochAndText) {
     EXPECT_FALSE(parseDate("tomorrow", d));
 }
 
-TEST(Guid, ParseFormatAndBytes) {
+TEST(Guid, ParseFormatAndGenerate) {
     auto g = parseGuid("{5b44cb71-f17b-4140-9d50-ec6f33b896b8}");
     ASSERT_TRUE(g);
     EXPECT_EQ(formatGuid(*g), "{5B44CB71-F17B-4140-9D50-EC6F33B896B8}");
@@ -125,11 +125,6 @@ TEST(Guid, ParseFormatAndBytes) {
     EXPECT_EQ(parseGuid("5B44CB71-F17B-4140-9D50-EC6F33B896B8"), g);
     EXPECT_FALSE(parseGuid("{5B44CB71-F17B-4140-9D50-EC6F33B896B8"));
     EXPECT_FALSE(parseGuid("5B44CB71-F17B-4140-9D50-EC6F33B896BX"));
-    std::uint8_t bytes[16];
-    guidToBytes(*g, bytes);
-    EXPECT_EQ(bytes[0], 0x71);  // first field little-endian
-    EXPECT_EQ(bytes[8], 0x9d);
-    EXPECT_EQ(guidFromBytes(bytes), *g);
     GUID a = generateGuid(), b = generateGuid();
     EXPECT_NE(a, b);
     EXPECT_EQ(a.Data3 >> 12, 4);

@@ -2,14 +2,14 @@
 // form; and the splitting of patterns.
 #include <cmath>
 
-#include "RegionalSettings.h"
+#include "SettingsFileTest.h"
 #include "platform/Date.h"
 #include "project/DateText.h"
 
 namespace nvdl::test {
 namespace {
 
-using DateTextTest = RegionalSettingsTest;
+using DateTextTest = SettingsFileTest;
 
 DATE march5th() { return dateFromParts(2004, 3, 5, 14, 7, 9); }
 
@@ -34,28 +34,32 @@ TEST_F(DateTextTest, WithoutASettingsFileTheBuiltInRegionIsUsed) {
     EXPECT_EQ(FormatDateTimeLocal(march5th()), "3/5/2004 2:07:09 PM");
 }
 
-TEST_F(DateTextTest, PieceLengthIsTheLeastWidth) {
-    regional({{"sShortDate", "dd.MM.yyyy"}, {"sDate", "."}, {"sTimeFormat", "HH:mm:ss"}, {"sTime", ":"}});
-    EXPECT_EQ(FormatDateTimeLocal(march5th()), "05.03.2004 14:07:09");
-    EXPECT_EQ(FormatDateTimeLocal(dateFromParts(2004, 11, 25, 9, 0, 0)), "25.11.2004 09:00:00");
-
-    // A two-letter year prints with width 2 and keeps all its digits; one letter prints as it is.
-    regional({{"sShortDate", "yy-M-d"}, {"sDate", "-"}, {"sTimeFormat", "H.m.s"}, {"sTime", "."}});
-    EXPECT_EQ(FormatDateTimeLocal(march5th()), "2004-3-5 14.7.9");
-}
-
-TEST_F(DateTextTest, TwelveHourClockWithMarks) {
-    regional({{"sShortDate", "M/d/yyyy"}, {"sDate", "/"}, {"sTimeFormat", "hh:mm tt"}, {"sTime", ":"},
-              {"s1159", " AM "}, {"s2359", "PM"}});
-    EXPECT_EQ(FormatDateTimeLocal(dateFromParts(2004, 3, 5, 0, 30, 0)), "3/5/2004 12:30 AM");
-    EXPECT_EQ(FormatDateTimeLocal(dateFromParts(2004, 3, 5, 11, 59, 0)), "3/5/2004 11:59 AM");
-    EXPECT_EQ(FormatDateTimeLocal(dateFromParts(2004, 3, 5, 12, 0, 0)), "3/5/2004 12:00 PM");
-    EXPECT_EQ(FormatDateTimeLocal(dateFromParts(2004, 3, 5, 15, 5, 0)), "3/5/2004 03:05 PM");
-
-    // A mark in front of the time still turns the clock on; the mark goes to the end.
-    regional({{"sShortDate", "yyyy/M/d"}, {"sDate", "/"}, {"sTimeFormat", "tt h:mm:ss"}, {"sTime", ":"},
-              {"s1159", "AM"}, {"s2359", "PM"}});
-    EXPECT_EQ(FormatDateTimeLocal(dateFromParts(2004, 3, 5, 23, 1, 2)), "2004/3/5 11:01:02 PM");
+// Each piece is at least as wide as its letters, and a two-letter year keeps all its digits; "tt"
+// turns the 12-hour clock on wherever it stands and its trimmed mark goes to the end; a pattern
+// that names no field leaves the other part alone.
+TEST_F(DateTextTest, FormatsByTheRegionalPatterns) {
+    auto at = [](int hour, int minute, int second) { return dateFromParts(2004, 3, 5, hour, minute, second); };
+    struct Case {
+        const char *shortDate, *dateSeparator, *timeFormat, *timeSeparator;
+        DATE when;
+        const char* expected;
+    } cases[] = {
+        {"dd.MM.yyyy", ".", "HH:mm:ss", ":", march5th(), "05.03.2004 14:07:09"},
+        {"dd.MM.yyyy", ".", "HH:mm:ss", ":", dateFromParts(2004, 11, 25, 9, 0, 0), "25.11.2004 09:00:00"},
+        {"yy-M-d", "-", "H.m.s", ".", march5th(), "2004-3-5 14.7.9"},
+        {"M/d/yyyy", "/", "hh:mm tt", ":", at(0, 30, 0), "3/5/2004 12:30 AM"},
+        {"M/d/yyyy", "/", "hh:mm tt", ":", at(11, 59, 0), "3/5/2004 11:59 AM"},
+        {"M/d/yyyy", "/", "hh:mm tt", ":", at(12, 0, 0), "3/5/2004 12:00 PM"},
+        {"M/d/yyyy", "/", "hh:mm tt", ":", at(15, 5, 0), "3/5/2004 03:05 PM"},
+        {"yyyy/M/d", "/", "tt h:mm:ss", ":", at(23, 1, 2), "2004/3/5 11:01:02 PM"},
+        {"d/M/yyyy", "/", "xx", ":", march5th(), "5/3/2004"},
+        {"gg", "/", "HH:mm", ":", march5th(), "14:07"},
+    };
+    for (const Case& c : cases) {
+        regional({{"sShortDate", c.shortDate}, {"sDate", c.dateSeparator}, {"sTimeFormat", c.timeFormat},
+                  {"sTime", c.timeSeparator}, {"s1159", " AM "}, {"s2359", "PM"}});
+        EXPECT_EQ(FormatDateTimeLocal(c.when), c.expected) << c.shortDate << " " << c.timeFormat;
+    }
 }
 
 TEST_F(DateTextTest, MissingRegionalValuesGiveTheFallbackForm) {
@@ -69,13 +73,6 @@ TEST_F(DateTextTest, MissingRegionalValuesGiveTheFallbackForm) {
     // Patterns that name no field at all give nothing, and nothing falls back too.
     regional({{"sShortDate", "gg"}, {"sDate", "/"}, {"sTimeFormat", "xx"}, {"sTime", ":"}});
     EXPECT_EQ(FormatDateTimeLocal(march5th()), "05.03.2004 14:07:09");
-}
-
-TEST_F(DateTextTest, DateOrTimeAloneStandsWithoutJoiningBlank) {
-    regional({{"sShortDate", "d/M/yyyy"}, {"sDate", "/"}, {"sTimeFormat", "xx"}, {"sTime", ":"}});
-    EXPECT_EQ(FormatDateTimeLocal(march5th()), "5/3/2004");
-    regional({{"sShortDate", "gg"}, {"sDate", "/"}, {"sTimeFormat", "HH:mm"}, {"sTime", ":"}});
-    EXPECT_EQ(FormatDateTimeLocal(march5th()), "14:07");
 }
 
 TEST_F(DateTextTest, ValueThatIsNoDateGivesNoText) {

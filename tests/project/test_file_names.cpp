@@ -13,31 +13,19 @@ namespace nvdl::test {
 namespace {
 
 TEST(FileNames, PathSplitsIntoDriveDirectoryBaseAndExtension) {
-    PathParts p = SplitPath("C:\\data/run 1\\take.2.wkd");
-    EXPECT_EQ(p.drive, "C:");
-    EXPECT_EQ(p.directory, "\\data/run 1\\");
-    EXPECT_EQ(p.baseName, "take.2");
-    EXPECT_EQ(p.extension, ".wkd");
-
-    p = SplitPath("/tmp/dir.old/readme");
-    EXPECT_EQ(p.drive, "");
-    EXPECT_EQ(p.directory, "/tmp/dir.old/");
-    EXPECT_EQ(p.baseName, "readme");
-    EXPECT_EQ(p.extension, "");
-
-    p = SplitPath(".WKD");
-    EXPECT_EQ(p.baseName, "");
-    EXPECT_EQ(p.extension, ".WKD");
+    auto parts = [](const char* path) {
+        PathParts p = SplitPath(path);
+        return p.drive + "|" + p.directory + "|" + p.baseName + "|" + p.extension;
+    };
+    EXPECT_EQ(parts("C:\\data/run 1\\take.2.wkd"), "C:|\\data/run 1\\|take.2|.wkd");
+    EXPECT_EQ(parts("/tmp/dir.old/readme"), "|/tmp/dir.old/|readme|");
+    EXPECT_EQ(parts(".WKD"), "|||.WKD");
 }
 
 TEST(FileNames, WkdExtensionIgnoresCaseAndOnlyTheLastPart) {
-    EXPECT_TRUE(IsWkdFileName("run.wkd"));
-    EXPECT_TRUE(IsWkdFileName("D:\\x\\Run.WkD"));
-    EXPECT_FALSE(IsWkdFileName("run.wkd.bak"));
-    EXPECT_FALSE(IsWkdFileName("run.wk"));
-    EXPECT_FALSE(IsWkdFileName("archive.wkd/run"));
-    EXPECT_FALSE(IsWkdFileName("wkd"));
-    EXPECT_FALSE(IsWkdFileName(""));
+    for (const char* name : {"run.wkd", "D:\\x\\Run.WkD"}) EXPECT_TRUE(IsWkdFileName(name)) << name;
+    for (const char* name : {"run.wkd.bak", "run.wk", "archive.wkd/run", "wkd", ""})
+        EXPECT_FALSE(IsWkdFileName(name)) << name;
 }
 
 TEST(FileNames, SanitizeBlanksWhatAFileNameCannotHold) {

@@ -1,59 +1,48 @@
 // The unit service objects and the client helpers, with the settings they read.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 
 #include "../frame/TestHelpers.h"
-#include "../platform/EnvGuard.h"
+#include "SettingsFileTest.h"
 #include "platform/Registry.h"
-#include "platform/TypeDescription.h"
 #include "project/UnitClient.h"
 #include "project/units/ShippedUnitsFile.h"
 
-using namespace nvdl;
-using nvdl::test::getText;
-
+namespace nvdl::test {
 namespace {
 
-class UnitServiceTest : public ::testing::Test {
+class UnitServiceTest : public SettingsFileTest {
 protected:
     void SetUp() override {
-        dir_ = std::filesystem::temp_directory_path() /
-               ("nvdl_unitservice_" + std::to_string(::getpid()) + "_" +
-                ::testing::UnitTest::GetInstance()->current_test_info()->name());
-        std::filesystem::create_directories(dir_);
-        env_.set("NVDL_REGISTRY", (dir_ / "registry.txt").string());
+        SettingsFileTest::SetUp();
         ReleaseUnitService();
     }
     void TearDown() override {
         ReleaseUnitService();
-        env_.restore();
-        std::filesystem::remove_all(dir_);
+        SettingsFileTest::TearDown();
     }
 
-    // Settings values of the current user.
-    void settings(const std::string& values, const std::string& machineValues = "") {
-        std::string key = registry::kSettingsKey;
-        std::ofstream(dir_ / "registry.txt") << "[HKEY_CURRENT_USER\\" << key << "]\n"
-                                              << values << "[HKEY_LOCAL_MACHINE\\" << key << "]\n"
-                                              << machineValues;
+    // The UnitsFile setting of the current user and of the machine.
+    void unitsFileSetting(const std::string& user, const std::string& machine = "") {
+        const std::string key = std::string("\\") + registry::kSettingsKey;
+        writeSettings({{"HKEY_CURRENT_USER" + key, {{"UnitsFile", user}}},
+                       {"HKEY_LOCAL_MACHINE" + key, {{"UnitsFile", machine}}}});
     }
-    std::string writeUnits(const std::string& text) {
-        std::filesystem::path file = dir_ / "units.txt";
-        std::ofstream(file) << text;
+    // A units file of two dimensions of its own.
+    std::string writeUnits(const char* name) {
+        std::filesystem::path file = dir_ / name;
+        std::ofstream(file) << "[Span] 1 0 0 0 0 0 0 0 0 0\nfurlong 201.168\n[Beat] 0 1 0 0 0 0 0 0 0 0\ntick 1\n";
         return file.string();
     }
-
-    EnvGuard env_;
-    std::filesystem::path dir_;
 };
 
 // Releases on leaving scope.
 template <class T>
 struct Ref {
     explicit Ref(T* p) : p(p) {}
+    Ref(const Ref&) = delete;
     ~Ref() {
         if (p) p->Release();
     }
@@ -67,9 +56,28 @@ DimensionExponents exps(std::initializer_list<SHORT> leading) {
     return e;
 }
 
-const char* kTwoDimensions = "[Span] 1 0 0 0 0 0 0 0 0 0\nfurlong 201.168\n[Beat] 0 1 0 0 0 0 0 0 0 0\ntick 1\n";
+// A dimension in one line: "name #index row tableIndex in defaultUnit", then "unknown" and
+// "not valid" when it is; "<none>" for null.
+std::string summary(const Ref<IDimension>& d) {
+    if (!d.p) return "<none>";
+    return DimensionName(d.p) + " #" + std::to_string(DimensionIndex(d.p)) + " row " +
+           std::to_string(DimensionTableIndex(d.p)) + " in " + DimensionDefaultUnitName(d.p) +
+           (DimensionIsUnknown(d.p) ? " unknown" : "") + (DimensionIsValid(d.p) ? "" : " not valid");
+}
+// The same for a dimension the caller was given, releasing it.
+std::string summary(IDimension* given) { return summary(Ref(given)); }
 
-}  // namespace
+Variant propertyOf(IDispatch* object, std::u16string_view name) {
+    Variant value;
+    EXPECT_EQ(latebound::get(object, name, &value), S_OK) << narrow(name);
+    return value;
+}
+
+Variant itemOf(IDispatch* collection, const Variant& key) {
+    Variant item;
+    EXPECT_EQ(invoke(collection, u"Item", DISPATCH_PROPERTYGET, {key}, &item), S_OK) << textOf(key);
+    return item;
+}
 
 TEST_F(UnitServiceTest, StartsWithTheShippedFileWithoutConfiguration) {
     Ref service(GetOrCreateUnitService());
@@ -85,24 +93,17 @@ TEST_F(UnitServiceTest, StartsWithTheShippedFileWithoutConfiguration) {
 }
 
 TEST_F(UnitServiceTest, ResolvesUnitNamesThenDimensionNamesIgnoringCase) {
-    Ref byUnit(DimensionFromText("m/s\xB2", false));
-    EXPECT_EQ(DimensionName(byUnit.p), "Acceleration");
-    EXPECT_EQ(DimensionIndex(byUnit.p), 6);
-    Ref byFoldedUnit(DimensionFromText("RPM", false));
-    EXPECT_EQ(DimensionName(byFoldedUnit.p), "Angular velocity");
-    Ref byName(DimensionFromText("sound INTENSITY", false));
-    EXPECT_EQ(DimensionName(byName.p), "Sound intensity");
-    EXPECT_EQ(DimensionDefaultUnitName(byName.p), "W/m\xB2");
-    EXPECT_EQ(DimensionFromText("nonsense", false), nullptr);
-    EXPECT_EQ(DimensionFromText("", true), nullptr);
-
+    Ref acceleration(DimensionFromText("m/s\xB2", false));
+    EXPECT_EQ(summary(acceleration), "Acceleration #6 row 6 in m/s\xB2");
+    EXPECT_EQ(summary(DimensionFromText("RPM", false)), "Angular velocity #15 row 15 in rad/s");
+    EXPECT_EQ(summary(DimensionFromText("sound INTENSITY", false)), "Sound intensity #10 row 10 in W/m\xB2");
+    EXPECT_EQ(summary(DimensionFromText("nonsense", false)), "<none>");
+    EXPECT_EQ(summary(DimensionFromText("", true)), "<none>");
     DimensionExponents e;
-    ASSERT_TRUE(GetDimensionExponents(byUnit.p, e));
+    ASSERT_TRUE(GetDimensionExponents(acceleration.p, e));
     EXPECT_EQ(e, exps({1, -2}));
-    EXPECT_TRUE(DimensionIsValid(byUnit.p));
-    EXPECT_FALSE(DimensionIsUnknown(byUnit.p));
 
-    Ref g(UnitOfDimension(byUnit.p, "G"));
+    Ref g(UnitOfDimension(acceleration.p, "G"));
     EXPECT_EQ(UnitName(g.p), "g");
     double scale = 0, offset = -1;
     EXPECT_TRUE(GetUnitScaleAndOffset(g.p, scale, offset));
@@ -112,71 +113,45 @@ TEST_F(UnitServiceTest, ResolvesUnitNamesThenDimensionNamesIgnoringCase) {
     Ref celsius(UnitOfDimension(temperature.p, "\xB0" "C"));
     EXPECT_TRUE(GetUnitScaleAndOffset(celsius.p, scale, offset));
     EXPECT_DOUBLE_EQ(offset, 273.15);
-    Ref owner(UnitDimension(celsius.p));
-    EXPECT_EQ(DimensionName(owner.p), "Temperature");
+    EXPECT_EQ(summary(UnitDimension(celsius.p)), "Temperature #16 row 16 in K");
     EXPECT_EQ(UnitOfDimension(temperature.p, "Pa"), nullptr);
 }
 
 TEST_F(UnitServiceTest, ExponentsIndexesAndSquareRoots) {
-    Ref acceleration(DimensionWithExponents(exps({1, -2})));
-    EXPECT_EQ(DimensionName(acceleration.p), "Acceleration");
-    Ref plain(DimensionWithExponents(exps({})));
-    EXPECT_EQ(DimensionName(plain.p), "Dimensionless");  // never the unknown row
-    EXPECT_FALSE(DimensionIsUnknown(plain.p));
-
-    Ref jerk(DimensionWithExponents(exps({1, -3})));
-    EXPECT_EQ(DimensionName(jerk.p), "m*s^-3");
-    EXPECT_EQ(DimensionIndex(jerk.p), -1);
-    EXPECT_EQ(DimensionTableIndex(jerk.p), 0);
-    EXPECT_TRUE(DimensionIsValid(jerk.p));
-    EXPECT_EQ(DimensionDefaultUnitName(jerk.p), "m*s^-3");
-
-    Ref fifth(DimensionAtIndex(5));
-    EXPECT_EQ(DimensionName(fifth.p), "Velocity");
-    EXPECT_EQ(DimensionTableIndex(fifth.p), 5);
-    EXPECT_EQ(DimensionAtIndex(-1), nullptr);
-    EXPECT_EQ(DimensionAtIndex(100000), nullptr);
+    EXPECT_EQ(summary(DimensionWithExponents(exps({1, -2}))), "Acceleration #6 row 6 in m/s\xB2");
+    EXPECT_EQ(summary(DimensionWithExponents(exps({}))), "Dimensionless #1 row 1 in 1");  // never the unknown row
+    EXPECT_EQ(summary(DimensionWithExponents(exps({1, -3}))), "m*s^-3 #-1 row 0 in m*s^-3");  // no row: a new one
+    EXPECT_EQ(summary(DimensionAtIndex(5)), "Velocity #5 row 5 in m/s");
+    EXPECT_EQ(summary(DimensionAtIndex(-1)), "<none>");
+    EXPECT_EQ(summary(DimensionAtIndex(100000)), "<none>");
     Ref unknown(DimensionAtIndex(0));
-    EXPECT_TRUE(DimensionIsUnknown(unknown.p));
+    EXPECT_EQ(summary(unknown), "Unknown #0 row 0 in ? unknown");
 
     Ref psd(DimensionFromText("g\xB2/Hz", false));
-    Ref root(SquareRootDimension(psd.p));  // (2,-3) halves to (1,-1)
-    EXPECT_EQ(DimensionName(root.p), "Velocity");
+    EXPECT_EQ(summary(SquareRootDimension(psd.p)), "Velocity #5 row 5 in m/s");  // (2,-3) halves to (1,-1)
     Ref same(SquareRootDimension(unknown.p));
     EXPECT_EQ(same.p, unknown.p);
 }
 
 TEST_F(UnitServiceTest, CreateDimensionBuildsFromItsFourProperties) {
     // From a unit text alone: an expression over the table's units, or an unknown dimension.
-    Ref jerk(CreateDimension(Variant(), 1, "m/s^3", 1.0));
-    EXPECT_TRUE(DimensionIsValid(jerk.p));
-    EXPECT_EQ(DimensionName(jerk.p), "m*s^-3");
-    EXPECT_EQ(DimensionDefaultUnitName(jerk.p), "m/s^3");
+    EXPECT_EQ(summary(CreateDimension(Variant(), 1, "m/s^3", 1.0)), "m*s^-3 #-1 row 0 in m/s^3");
     Ref g(CreateDimension(Variant(), 1, "g", 1.0));
-    EXPECT_EQ(DimensionName(g.p), "Acceleration");
-    EXPECT_EQ(DimensionIndex(g.p), 6);
-    EXPECT_EQ(DimensionDefaultUnitName(g.p), "g");
-    Ref nonsense(CreateDimension(Variant(), 1, "mV/EU", 1.0));
-    ASSERT_TRUE(nonsense.p);
-    EXPECT_TRUE(DimensionIsUnknown(nonsense.p));
-    EXPECT_FALSE(DimensionIsValid(nonsense.p));
-    EXPECT_EQ(DimensionName(nonsense.p), "mV/EU");
-    Ref viaHelper(DimensionFromText("kN*m", true));  // the Y axis's third way
-    EXPECT_EQ(DimensionName(viaHelper.p), "Energy");
-    EXPECT_EQ(DimensionDefaultUnitName(viaHelper.p), "kN*m");
+    EXPECT_EQ(summary(g), "Acceleration #6 row 6 in g");
+    EXPECT_EQ(summary(CreateDimension(Variant(), 1, "mV/EU", 1.0)), "mV/EU #-1 row 0 in mV/EU unknown not valid");
+    EXPECT_EQ(summary(DimensionFromText("kN*m", true)), "Energy #18 row 18 in kN*m");  // the Y axis's third way
 
     // From a base dimension raised to a power, in one of its units, scaled.
     Ref squared(CreateDimension(Variant::fromAnsi("acceleration"), 2, "g\xB2", 2.0));
-    EXPECT_EQ(DimensionName(squared.p), "Acceleration\xB2");
-    EXPECT_EQ(DimensionIndex(squared.p), 20);
+    EXPECT_EQ(summary(squared), "Acceleration\xB2 #20 row 20 in g\xB2");
     Ref unit(UnitOfDimension(squared.p, "g\xB2"));
     double scale = 0, offset = 0;
     GetUnitScaleAndOffset(unit.p, scale, offset);
     EXPECT_DOUBLE_EQ(scale, 2.0 * 9.80665 * 9.80665);
     EXPECT_EQ(getText(squared.p, u"Dimension"), "Acceleration");
     EXPECT_EQ(getText(squared.p, u"Exponent"), "2");
-    Ref fromObject(CreateDimension(Variant::fromDispatch(g.p), 1, "mm/s\xB2", 1.0));
-    EXPECT_EQ(DimensionDefaultUnitName(fromObject.p), "mm/s\xB2");
+    EXPECT_EQ(summary(CreateDimension(Variant::fromDispatch(g.p), 1, "mm/s\xB2", 1.0)),
+              "Acceleration #6 row 6 in mm/s\xB2");
 
     EXPECT_EQ(CreateDimension(Variant::fromAnsi("acceleration"), 1, "Pa", 1.0), nullptr);  // not its unit
     EXPECT_EQ(CreateDimension(Variant::fromAnsi("no such"), 1, "", 1.0), nullptr);
@@ -223,77 +198,57 @@ TEST_F(UnitServiceTest, NullObjectsAnswerNothing) {
     EXPECT_EQ(GetUnits(nullptr), nullptr);
 }
 
+// The units file is the user's setting, else the machine's, read when the service is made.
 TEST_F(UnitServiceTest, UnitsFileSettingNamesAnotherTable) {
-    const std::string file = writeUnits(kTwoDimensions);
-    settings("\"UnitsFile\"=\"" + file + "\"\n");
+    const std::string user = writeUnits("user.txt"), machine = writeUnits("machine.txt");
+    unitsFileSetting(user, machine);
     Ref service(GetOrCreateUnitService());
-    EXPECT_EQ(getText(service.p, u"FileName"), file);
-    Ref span(DimensionFromText("FURLONG", false));
-    EXPECT_EQ(DimensionName(span.p), "Span");
-    EXPECT_EQ(DimensionFromText("m/s\xB2", false), nullptr);
-    Ref beat(DimensionAtIndex(1));
-    EXPECT_EQ(DimensionName(beat.p), "Beat");
-}
+    EXPECT_EQ(getText(service.p, u"FileName"), user);
+    EXPECT_EQ(summary(DimensionFromText("FURLONG", false)), "Span #0 row 0 in furlong");
+    EXPECT_EQ(summary(DimensionFromText("m/s\xB2", false)), "<none>");
+    EXPECT_EQ(summary(DimensionAtIndex(1)), "Beat #1 row 1 in tick");
 
-TEST_F(UnitServiceTest, MachineValueStandsWhenTheUserHasNone) {
-    const std::string file = writeUnits(kTwoDimensions);
-    settings("\"UnitsFile\"=\"\"\n", "\"UnitsFile\"=\"" + file + "\"\n");
-    Ref service(GetOrCreateUnitService());
-    EXPECT_EQ(getText(service.p, u"FileName"), file);
+    unitsFileSetting("", machine);
+    EXPECT_EQ(getText(Ref(GetOrCreateUnitService()).p, u"FileName"), user);
+    ReleaseUnitService();
+    Ref again(GetOrCreateUnitService());
+    EXPECT_EQ(getText(again.p, u"FileName"), machine);
 }
 
 TEST_F(UnitServiceTest, UnreadableUnitsFileLeavesTheShippedTable) {
-    settings("\"UnitsFile\"=\"" + (dir_ / "absent.txt").string() + "\"\n");
+    unitsFileSetting((dir_ / "absent.txt").string());
     Ref service(GetOrCreateUnitService());
     ASSERT_TRUE(service.p);
     EXPECT_EQ(getText(service.p, u"FileName"), units::kShippedUnitsFile);
     EXPECT_EQ(peekErrorInfo(), nullptr);
-    Ref found(DimensionFromText("g", false));
-    EXPECT_EQ(DimensionName(found.p), "Acceleration");
+    EXPECT_EQ(summary(DimensionFromText("g", false)), "Acceleration #6 row 6 in m/s\xB2");
 
     // Told directly, the service reports the failure and keeps its table.
     Variant result;
-    EXPECT_EQ(test::invoke(service.p, u"Load", DISPATCH_METHOD, {Variant::fromAnsi("/no/such/units.txt")}, &result),
-              E_FAIL);
-    EXPECT_NE(test::pendingDescription().find("/no/such/units.txt"), std::string::npos);
+    EXPECT_EQ(invoke(service.p, u"Load", DISPATCH_METHOD, {Variant::fromAnsi("/no/such/units.txt")}, &result), E_FAIL);
+    EXPECT_NE(pendingDescription().find("/no/such/units.txt"), std::string::npos);
     EXPECT_EQ(getText(service.p, u"FileName"), units::kShippedUnitsFile);
 }
 
 TEST_F(UnitServiceTest, ClientsReachTheCollectionsLateBound) {
     Ref service(GetOrCreateUnitService());
-    Variant dimensions;
-    ASSERT_EQ(latebound::get(service.p, u"Dimensions", &dimensions), S_OK);
-    Variant velocity;
-    ASSERT_EQ(test::invoke(dimensions.pdispVal, u"Item", DISPATCH_PROPERTYGET, {Variant::fromAnsi("VELOCITY")},
-                           &velocity),
-              S_OK);
+    Variant dimensions = propertyOf(service.p, u"Dimensions");
+    Variant velocity = itemOf(dimensions.pdispVal, Variant::fromAnsi("VELOCITY"));
     EXPECT_EQ(getText(velocity.pdispVal, u"Name"), "Velocity");
     EXPECT_EQ(getText(velocity.pdispVal, u"Index"), "5");
     EXPECT_EQ(getText(velocity.pdispVal, u"IsUnknown"), "0");
-    Variant time;
-    EXPECT_EQ(test::invoke(velocity.pdispVal, u"BaseExponent", DISPATCH_PROPERTYGET, {Variant::fromShort(2)}, &time),
-              S_OK);
-    EXPECT_EQ(test::textOf(time), "-1");
-    Variant bad;
-    EXPECT_EQ(test::invoke(velocity.pdispVal, u"BaseExponent", DISPATCH_PROPERTYGET, {Variant::fromShort(11)}, &bad),
+    Variant time, bad;
+    EXPECT_EQ(invoke(velocity.pdispVal, u"BaseExponent", DISPATCH_PROPERTYGET, {Variant::fromShort(2)}, &time), S_OK);
+    EXPECT_EQ(textOf(time), "-1");
+    EXPECT_EQ(invoke(velocity.pdispVal, u"BaseExponent", DISPATCH_PROPERTYGET, {Variant::fromShort(11)}, &bad),
               E_INVALIDARG);
-    EXPECT_EQ(test::invoke(dimensions.pdispVal, u"Item", DISPATCH_PROPERTYGET, {Variant::fromLong(-1)}, &bad),
-              E_INVALIDARG);
+    EXPECT_EQ(invoke(dimensions.pdispVal, u"Item", DISPATCH_PROPERTYGET, {Variant::fromLong(-1)}, &bad), E_INVALIDARG);
 
-    Variant units;
-    ASSERT_EQ(latebound::get(velocity.pdispVal, u"Units", &units), S_OK);
-    Variant second;
-    ASSERT_EQ(test::invoke(units.pdispVal, u"Item", DISPATCH_PROPERTYGET, {Variant::fromLong(1)}, &second), S_OK);
+    Variant second = itemOf(propertyOf(velocity.pdispVal, u"Units").pdispVal, Variant::fromLong(1));
     EXPECT_EQ(getText(second.pdispVal, u"Name"), "mm/s");
     EXPECT_EQ(getText(second.pdispVal, u"Factor"), "0.001");
-
-    Variant all;
-    ASSERT_EQ(latebound::get(service.p, u"Units", &all), S_OK);
-    Variant psi;
-    ASSERT_EQ(test::invoke(all.pdispVal, u"Item", DISPATCH_PROPERTYGET, {Variant::fromAnsi("psi")}, &psi), S_OK);
-    Variant owner;
-    ASSERT_EQ(latebound::get(psi.pdispVal, u"Dimension", &owner), S_OK);
-    EXPECT_EQ(getText(owner.pdispVal, u"Name"), "Pressure");
+    Variant psi = itemOf(propertyOf(service.p, u"Units").pdispVal, Variant::fromAnsi("psi"));
+    EXPECT_EQ(getText(propertyOf(psi.pdispVal, u"Dimension").pdispVal, u"Name"), "Pressure");
 }
 
 TEST_F(UnitServiceTest, NullOutputsAreRefusedByEveryMember) {
@@ -304,14 +259,9 @@ TEST_F(UnitServiceTest, NullOutputsAreRefusedByEveryMember) {
     Ref unit(UnitOfDimension(dimension.p, "g"));
     for (IDispatch* object : std::initializer_list<IDispatch*>{service.p, dimensions.p, dimension.p, units.p, unit.p}) {
         ASSERT_TRUE(object);
-        ITypeInfo* info = nullptr;
-        ASSERT_EQ(object->GetTypeInfo(0, 0, &info), S_OK);
-        auto* description = static_cast<InterfaceDescription*>(info);
-        for (const MemberEntry& m : description->members())
-            if (m.hasOutputs) {
-                EXPECT_EQ(description->invokeWithNullOutputs(object, m), E_POINTER)
-                    << description->name() << "::" << m.name;
-            }
-        info->Release();
+        expectNullOutputsRefused(object);
     }
 }
+
+}  // namespace
+}  // namespace nvdl::test

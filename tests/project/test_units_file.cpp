@@ -38,7 +38,7 @@ Exponents exps(std::initializer_list<SHORT> leading) {
 TEST(UnitsFile, ReadsDimensionsUnitsAndTheirNumbers) {
     UnitsFileContent c = parseUnitsText("\xEF\xBB\xBF# head\r\n"
                                         "\n"
-                                        "[Odd]  0 0 0 0 0 0 0 0 0 0 unknown\n"
+                                        "[Odd]  0 0 0 0 0 0 0 0 0 -1 unknown\n"
                                         "[ Acceleration ] 1 -2 0 0 0 0 0 0 0 +0\n"
                                         "  m/s\xC2\xB2   1  # a trailing comment is not allowed\n"
                                         "m/s\xC2\xB2 1\r\n"
@@ -52,6 +52,7 @@ TEST(UnitsFile, ReadsDimensionsUnitsAndTheirNumbers) {
     const auto& d = c.table->dimensions;
     ASSERT_EQ(d.size(), 3u);
     EXPECT_TRUE(d[0].unknown);
+    EXPECT_EQ(d[0].exponents, exps({0, 0, 0, 0, 0, 0, 0, 0, 0, -1}));  // all ten read
     EXPECT_EQ(d[1].name, "Acceleration");
     EXPECT_FALSE(d[1].unknown);
     EXPECT_EQ(d[1].exponents, exps({1, -2}));
@@ -140,25 +141,6 @@ TEST(ShippedUnits, OrderIsTheDocumentedOne) {
     ASSERT_TRUE(c.table);
     EXPECT_EQ(c.skippedLines, 0u);
     EXPECT_EQ(c.table->dimensions.size(), position);
-
-    const UnitTable& t = shippedTable();
-    EXPECT_EQ(t.dimensions[0].name, "Unknown");
-    EXPECT_TRUE(t.dimensions[0].unknown);
-    EXPECT_EQ(t.dimensions[1].name, "Dimensionless");
-    EXPECT_EQ(t.dimensions[6].name, "Acceleration");
-    EXPECT_EQ(t.dimensions[6].exponents, exps({1, -2}));
-    EXPECT_EQ(t.dimensions[6].units[0].name, "m/s\xB2");
-    std::optional<UnitPosition> g = t.findUnit("g");
-    ASSERT_TRUE(g);
-    EXPECT_EQ(g->dimension, 6u);
-    EXPECT_DOUBLE_EQ(t.dimensions[6].units[g->unit].factor, 9.80665);
-    EXPECT_EQ(t.dimensions[9].name, "Pressure");
-    EXPECT_EQ(t.dimensions[9].exponents, exps({-1, -2, 1}));
-    EXPECT_EQ(t.dimensions[10].exponents, exps({0, -3, 1}));  // sound intensity
-    EXPECT_EQ(t.dimensions[13].exponents, exps({0, 0, 0, 0, 0, 0, 0, 0, 0, 1}));  // strain
-    EXPECT_EQ(t.dimensions[14].exponents, exps({0, 0, 0, 0, 0, 0, 0, 1}));         // angle, eighth
-    EXPECT_EQ(t.dimensions[21].name, "Acceleration\xB2/Hz");
-    EXPECT_EQ(t.dimensions[21].exponents, exps({2, -3}));
 }
 
 TEST(ShippedUnits, EveryDimensionHasUnitsAndItsOwnExponentsAndUnitNamesAreUnique) {
@@ -176,27 +158,26 @@ TEST(ShippedUnits, EveryDimensionHasUnitsAndItsOwnExponentsAndUnitNamesAreUnique
 
 TEST(UnitExpression, CombinesUnitsOfTheTable) {
     const UnitTable& t = shippedTable();
-    auto eval = [&](const char* text) { return evaluateUnitExpression(t, text); };
-    std::optional<ExpressionValue> v = eval("N*m");
-    ASSERT_TRUE(v);
-    EXPECT_EQ(v->exponents, exps({2, -2, 1}));
-    v = eval("(m/s\xB2)\xB2/Hz");
-    ASSERT_TRUE(v);
-    EXPECT_EQ(v->exponents, exps({2, -3}));
-    v = eval("g / N");
-    ASSERT_TRUE(v);
-    EXPECT_EQ(v->exponents, exps({0, 0, -1}));
-    EXPECT_DOUBLE_EQ(v->factor, 9.80665);
-    v = eval("mm^-2 \xB7 s^3");
-    ASSERT_TRUE(v);
-    EXPECT_EQ(v->exponents, exps({-2, 3}));
-    EXPECT_DOUBLE_EQ(v->factor, 1e6);
-    v = eval("m/s/s");  // left to right: (m/s)/s
-    ASSERT_TRUE(v);
-    EXPECT_EQ(v->exponents, exps({1, -2}));
-
-    for (const char* bad : {"", "nonsense", "m/", "(m", "m)", "m^", "m^x", "m s", "?", "m^99999", "m^20000*m^20000"})
-        EXPECT_FALSE(eval(bad)) << bad;  // "?" is the unit of the unknown dimension
-    EXPECT_FALSE(eval((std::string(20, '(') + "m" + std::string(20, ')')).c_str()));
-    EXPECT_TRUE(eval((std::string(10, '(') + "m" + std::string(10, ')')).c_str()));
+    struct Case {
+        std::string text;
+        Exponents exponents;
+        double factor;
+    } cases[] = {
+        {"N*m", exps({2, -2, 1}), 1.0},
+        {"(m/s\xB2)\xB2/Hz", exps({2, -3}), 1.0},
+        {"g / N", exps({0, 0, -1}), 9.80665},
+        {"mm^-2 \xB7 s^3", exps({-2, 3}), 1e6},
+        {"m/s/s", exps({1, -2}), 1.0},  // left to right: (m/s)/s
+        {std::string(10, '(') + "m" + std::string(10, ')'), exps({1}), 1.0},
+    };
+    for (const Case& c : cases) {
+        std::optional<ExpressionValue> v = evaluateUnitExpression(t, c.text);
+        ASSERT_TRUE(v) << c.text;
+        EXPECT_EQ(v->exponents, c.exponents) << c.text;
+        EXPECT_DOUBLE_EQ(v->factor, c.factor) << c.text;
+    }
+    // "?" is the unit of the unknown dimension; parentheses nest only so deep.
+    for (std::string bad : {"", "nonsense", "m/", "(m", "m)", "m^", "m^x", "m s", "?", "m^99999", "m^20000*m^20000"})
+        EXPECT_FALSE(evaluateUnitExpression(t, bad)) << bad;
+    EXPECT_FALSE(evaluateUnitExpression(t, std::string(20, '(') + "m" + std::string(20, ')')));
 }
