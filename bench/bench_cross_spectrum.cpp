@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "measurement/Measurement.h"
-#include "platform/Bstr.h"
-#include "platform/Variant.h"
+#include "nvdl/Bstr.h"
+#include "nvdl/Variant.h"
 
 namespace {
 

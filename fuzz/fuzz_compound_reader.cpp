@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/Storage.h"
+#include "nvdl/Storage.h"
 
 namespace {
 

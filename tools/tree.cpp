@@ -5,7 +5,7 @@
 
 #include "commands.h"
 #include "platform/CodePage.h"
-#include "platform/Storage.h"
+#include "nvdl/Storage.h"
 
 namespace nvdl::tool {
 

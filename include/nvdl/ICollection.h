@@ -2,7 +2,7 @@
 // have these members in this order and differ only in their identifier.
 #pragma once
 
-#include "platform/Dispatch.h"
+#include "nvdl/Dispatch.h"
 
 struct ICollection : IDispatch {
     virtual HRESULT get_Count(LONG* count) = 0;

@@ -2,8 +2,8 @@
 // an owner's scalar property names, handing out a field for each.
 #pragma once
 
-#include "frame/Identifiers.h"
-#include "platform/Dispatch.h"
+#include "nvdl/Identifiers.h"
+#include "nvdl/Dispatch.h"
 
 struct IField : IDispatch {
     static constexpr const IID& iid = IID_IField;

@@ -3,11 +3,11 @@
 // The members stand in the interface's slot order.
 #pragma once
 
-#include "frame/Identifiers.h"
+#include "nvdl/Identifiers.h"
 #include "nvdl/ICollection.h"
 #include "nvdl/IField.h"
 #include "nvdl/ISignalRange.h"
-#include "platform/Dispatch.h"
+#include "nvdl/Dispatch.h"
 
 struct IMeasurement : IDispatch {
     static constexpr const IID& iid = IID_IMeasurement;

@@ -3,9 +3,9 @@
 // with a new writer each time.
 #pragma once
 
-#include "frame/Identifiers.h"
+#include "nvdl/Identifiers.h"
 #include "nvdl/ICollection.h"
-#include "platform/Storage.h"
+#include "nvdl/Storage.h"
 
 struct IMeasurement;
 

@@ -1,8 +1,8 @@
 // IParameter: a free name and a free text value, kept with a measurement, a setup or a project.
 #pragma once
 
-#include "frame/Identifiers.h"
-#include "platform/Dispatch.h"
+#include "nvdl/Identifiers.h"
+#include "nvdl/Dispatch.h"
 
 struct IParameter : IDispatch {
     static constexpr const IID& iid = IID_IParameter;

@@ -2,8 +2,8 @@
 // storage; each measurement carries one. The members stand in the interface's slot order.
 #pragma once
 
-#include "frame/Identifiers.h"
-#include "platform/Dispatch.h"
+#include "nvdl/Identifiers.h"
+#include "nvdl/Dispatch.h"
 
 struct ISignalRange : IDispatch {
     static constexpr const IID& iid = IID_ISignalRange;

@@ -25,8 +25,8 @@
 // unknown and not valid, named by the text.
 #pragma once
 
-#include "frame/Identifiers.h"
-#include "platform/Dispatch.h"
+#include "nvdl/Identifiers.h"
+#include "nvdl/Dispatch.h"
 
 namespace nvdl {
 

@@ -2,8 +2,8 @@
 // IDispatch (GetIDsOfNames and Invoke) or its own interface.
 #pragma once
 
-#include "platform/Dispatch.h"
-#include "platform/ErrorInfo.h"
+#include "nvdl/Dispatch.h"
+#include "nvdl/ErrorInfo.h"
 
 namespace nvdl {
 

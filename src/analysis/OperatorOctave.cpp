@@ -11,8 +11,8 @@
 
 #include "analysis/OctaveBands.h"
 #include "analysis/OperatorFrame.h"
-#include "platform/Bstr.h"
-#include "platform/Variant.h"
+#include "nvdl/Bstr.h"
+#include "nvdl/Variant.h"
 
 namespace nvdl {
 

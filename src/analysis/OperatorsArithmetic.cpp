@@ -7,7 +7,7 @@
 
 #include "analysis/OperatorFrame.h"
 #include "nvdl/daArithmetic.h"
-#include "platform/Variant.h"
+#include "nvdl/Variant.h"
 
 namespace nvdl {
 

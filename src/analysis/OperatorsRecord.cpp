@@ -8,7 +8,7 @@
 #include "analysis/OperatorFrame.h"
 #include "nvdl/daArithmetic.h"
 #include "nvdl/daSignal.h"
-#include "platform/Bstr.h"
+#include "nvdl/Bstr.h"
 
 namespace nvdl {
 

@@ -10,7 +10,7 @@
 #include "nvdl/daSignal.h"
 #include "nvdl/daSpectra.h"
 #include "platform/Host.h"
-#include "platform/Variant.h"
+#include "nvdl/Variant.h"
 
 namespace nvdl {
 

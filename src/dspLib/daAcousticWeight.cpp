@@ -6,7 +6,7 @@
 
 #include "dspLib/daChecks.h"
 #include "nvdl/daSignal.h"
-#include "platform/HResult.h"
+#include "nvdl/HResult.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/Dispatch.h"
+#include "nvdl/Dispatch.h"
 
 namespace nvdl {
 

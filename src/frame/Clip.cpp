@@ -1,7 +1,7 @@
 #include "frame/Clip.h"
 
-#include "platform/Bstr.h"
-#include "platform/HResult.h"
+#include "nvdl/Bstr.h"
+#include "nvdl/HResult.h"
 
 namespace nvdl {
 

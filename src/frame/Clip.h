@@ -5,7 +5,7 @@
 #include <span>
 
 #include "platform/MessageFormat.h"
-#include "platform/Types.h"
+#include "nvdl/Types.h"
 
 namespace nvdl {
 

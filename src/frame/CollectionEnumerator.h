@@ -4,7 +4,7 @@
 #include <memory>
 #include <vector>
 
-#include "platform/Dispatch.h"
+#include "nvdl/Dispatch.h"
 
 namespace nvdl {
 

@@ -5,8 +5,8 @@
 #include <span>
 #include <string_view>
 
-#include "platform/Bstr.h"
-#include "platform/HResult.h"
+#include "nvdl/Bstr.h"
+#include "nvdl/HResult.h"
 
 namespace nvdl {
 

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "platform/Dispatch.h"
+#include "nvdl/Dispatch.h"
 
 namespace nvdl::latebound {
 

@@ -5,7 +5,7 @@
 
 #include "frame/ClassTable.h"
 #include "frame/CollectionEnumerator.h"
-#include "frame/Identifiers.h"
+#include "nvdl/Identifiers.h"
 #include "frame/LateBound.h"
 #include "frame/Resources.h"
 #include "frame/TextChecks.h"

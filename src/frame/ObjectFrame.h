@@ -11,7 +11,7 @@
 #include "frame/ObjectCount.h"
 #include "frame/PropertyAccess.h"
 #include "frame/Resources.h"
-#include "platform/ErrorInfo.h"
+#include "nvdl/ErrorInfo.h"
 #include "platform/TypeDescription.h"
 
 namespace nvdl {

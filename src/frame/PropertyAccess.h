@@ -3,7 +3,7 @@
 #pragma once
 
 
-#include "platform/Dispatch.h"
+#include "nvdl/Dispatch.h"
 
 namespace nvdl {
 

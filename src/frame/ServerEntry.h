@@ -1,7 +1,7 @@
 // The module's entry: class factories, one per class, made on first request and kept until unload.
 #pragma once
 
-#include "platform/Dispatch.h"
+#include "nvdl/Dispatch.h"
 
 inline constexpr IID IID_IClassFactory{0x00000001, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 

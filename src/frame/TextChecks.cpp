@@ -2,7 +2,7 @@
 
 #include <cctype>
 
-#include "platform/Bstr.h"
+#include "nvdl/Bstr.h"
 
 namespace nvdl {
 

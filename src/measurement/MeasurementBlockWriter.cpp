@@ -9,7 +9,7 @@
 #include "measurement/Measurement.h"
 #include "nvdl/IParameter.h"
 #include "platform/CodePage.h"
-#include "platform/Date.h"
+#include "nvdl/Date.h"
 #include "platform/LittleEndian.h"
 #include "project/UnitClient.h"
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/Storage.h"
+#include "nvdl/Storage.h"
 
 namespace nvdl {
 

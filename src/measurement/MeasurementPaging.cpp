@@ -5,7 +5,7 @@
 #include <bit>
 
 #include "measurement/Measurement.h"
-#include "platform/SafeArray.h"
+#include "nvdl/SafeArray.h"
 
 namespace nvdl {
 

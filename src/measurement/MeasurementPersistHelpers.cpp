@@ -6,7 +6,7 @@
 
 #include "measurement/Measurement.h"
 #include "measurement/MeasurementStreamFormat.h"
-#include "platform/Storage.h"
+#include "nvdl/Storage.h"
 
 namespace nvdl {
 

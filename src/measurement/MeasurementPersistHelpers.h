@@ -24,7 +24,7 @@
 #include <array>
 #include <string>
 
-#include "platform/Persist.h"
+#include "nvdl/Persist.h"
 
 namespace nvdl {
 

@@ -10,7 +10,7 @@
 #include "nvdl/IParameter.h"
 #include "platform/CodePage.h"
 #include "platform/LittleEndian.h"
-#include "platform/SafeArray.h"
+#include "nvdl/SafeArray.h"
 #include "project/UnitClient.h"
 
 namespace nvdl {

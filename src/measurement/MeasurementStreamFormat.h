@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "measurement/MeasurementPersistHelpers.h"
-#include "platform/Dispatch.h"
-#include "platform/Stream.h"
+#include "nvdl/Dispatch.h"
+#include "nvdl/Stream.h"
 
 namespace nvdl {
 

@@ -6,7 +6,7 @@
 
 #include "frame/ObjectFrame.h"
 #include "nvdl/IParameter.h"
-#include "platform/Persist.h"
+#include "nvdl/Persist.h"
 
 namespace nvdl {
 

@@ -1,4 +1,4 @@
-#include "platform/Bstr.h"
+#include "nvdl/Bstr.h"
 
 #include <cstdint>
 #include <cstdlib>

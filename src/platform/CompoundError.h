@@ -4,7 +4,7 @@
 
 #include <new>
 
-#include "platform/HResult.h"
+#include "nvdl/HResult.h"
 
 namespace nvdl::cfb {
 

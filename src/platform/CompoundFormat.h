@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/Guid.h"
+#include "nvdl/Guid.h"
 #include "platform/LittleEndian.h"
 
 namespace nvdl::cfb {

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "platform/HResult.h"
+#include "nvdl/HResult.h"
 
 namespace nvdl::cfb {
 

@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "platform/CompoundFile.h"
-#include "platform/Storage.h"
+#include "nvdl/Storage.h"
 
 namespace nvdl {
 

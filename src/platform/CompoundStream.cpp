@@ -3,7 +3,7 @@
 #include <limits>
 
 #include "platform/CompoundError.h"
-#include "platform/Storage.h"
+#include "nvdl/Storage.h"
 
 namespace nvdl {
 

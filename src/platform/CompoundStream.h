@@ -4,7 +4,7 @@
 #include <memory>
 
 #include "platform/CompoundFile.h"
-#include "platform/Stream.h"
+#include "nvdl/Stream.h"
 
 namespace nvdl {
 

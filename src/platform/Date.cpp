@@ -1,4 +1,4 @@
-#include "platform/Date.h"
+#include "nvdl/Date.h"
 
 #include <cctype>
 #include <cmath>

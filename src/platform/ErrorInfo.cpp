@@ -1,4 +1,4 @@
-#include "platform/ErrorInfo.h"
+#include "nvdl/ErrorInfo.h"
 
 namespace nvdl {
 

@@ -1,4 +1,4 @@
-#include "platform/Guid.h"
+#include "nvdl/Guid.h"
 
 #include <cstdio>
 #include <random>

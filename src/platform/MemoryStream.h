@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "platform/Stream.h"
+#include "nvdl/Stream.h"
 
 namespace nvdl {
 

@@ -1,10 +1,10 @@
-#include "platform/SafeArray.h"
+#include "nvdl/SafeArray.h"
 
 #include <cstdlib>
 #include <new>
 #include <cstring>
 
-#include "platform/HResult.h"
+#include "nvdl/HResult.h"
 
 namespace {
 constexpr VARTYPE kVtR4 = 4;

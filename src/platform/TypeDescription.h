@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/Dispatch.h"
+#include "nvdl/Dispatch.h"
 
 namespace nvdl {
 

@@ -1,4 +1,4 @@
-#include "platform/Variant.h"
+#include "nvdl/Variant.h"
 
 #include <cmath>
 #include <cstdlib>
@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "platform/CodePage.h"
-#include "platform/Dispatch.h"
+#include "nvdl/Dispatch.h"
 
 void VariantInit(VARIANT* v) {
     v->vt = VT_EMPTY;

@@ -6,7 +6,7 @@
 #include <ctime>
 
 #include "frame/TextChecks.h"
-#include "platform/Date.h"
+#include "nvdl/Date.h"
 #include "platform/Registry.h"
 
 namespace nvdl {

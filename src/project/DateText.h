@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/Types.h"
+#include "nvdl/Types.h"
 
 namespace nvdl {
 

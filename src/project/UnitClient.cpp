@@ -4,11 +4,11 @@
 #include <string_view>
 
 #include "frame/LateBound.h"
-#include "platform/Bstr.h"
+#include "nvdl/Bstr.h"
 #include "platform/CodePage.h"
-#include "platform/ErrorInfo.h"
+#include "nvdl/ErrorInfo.h"
 #include "platform/Registry.h"
-#include "platform/Variant.h"
+#include "nvdl/Variant.h"
 #include "project/units/UnitService.h"
 
 namespace nvdl {

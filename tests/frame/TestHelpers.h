@@ -7,9 +7,9 @@
 
 #include "frame/LateBound.h"
 #include "platform/CodePage.h"
-#include "platform/ErrorInfo.h"
+#include "nvdl/ErrorInfo.h"
 #include "platform/TypeDescription.h"
-#include "platform/Variant.h"
+#include "nvdl/Variant.h"
 
 namespace nvdl::test {
 

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "frame/ObjectCollection.h"
-#include "frame/Identifiers.h"
+#include "nvdl/Identifiers.h"
 #include "frame/ObjectFrame.h"
 #include "platform/MemberTable.h"
 

@@ -5,9 +5,9 @@
 #include "TestHelpers.h"
 #include "TestObjects.h"
 #include "frame/ClassTable.h"
-#include "frame/Identifiers.h"
+#include "nvdl/Identifiers.h"
 #include "frame/ServerEntry.h"
-#include "platform/ErrorInfo.h"
+#include "nvdl/ErrorInfo.h"
 
 namespace nvdl::test {
 namespace {

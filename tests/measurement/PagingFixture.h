@@ -14,7 +14,7 @@
 
 #include "../platform/EnvGuard.h"
 #include "measurement/Measurement.h"
-#include "platform/Persist.h"
+#include "nvdl/Persist.h"
 #include "platform/Registry.h"
 
 namespace nvdl::test {

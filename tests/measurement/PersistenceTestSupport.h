@@ -13,7 +13,7 @@
 #include "measurement/MeasurementPersistHelpers.h"
 #include "platform/LittleEndian.h"
 #include "platform/MemoryStream.h"
-#include "platform/SafeArray.h"
+#include "nvdl/SafeArray.h"
 #include "project/UnitClient.h"
 
 namespace nvdl::test {

@@ -3,7 +3,7 @@
 #include "PagingFixture.h"
 #include "PersistenceTestSupport.h"
 #include "measurement/MeasurementBlockWriter.h"
-#include "platform/Storage.h"
+#include "nvdl/Storage.h"
 
 using namespace nvdl;
 using namespace nvdl::test;

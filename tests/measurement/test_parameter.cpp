@@ -8,7 +8,7 @@
 #include "measurement/Field.h"
 #include "nvdl/IParameter.h"
 #include "platform/MemoryStream.h"
-#include "platform/Persist.h"
+#include "nvdl/Persist.h"
 
 namespace nvdl::test {
 namespace {

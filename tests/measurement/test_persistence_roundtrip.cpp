@@ -8,7 +8,7 @@
 
 #include "PagingFixture.h"
 #include "PersistenceTestSupport.h"
-#include "platform/Storage.h"
+#include "nvdl/Storage.h"
 
 namespace nvdl::test {
 namespace {

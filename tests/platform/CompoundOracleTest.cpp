@@ -6,7 +6,7 @@
 
 #include "CompoundTestSupport.h"
 #include "platform/CompoundName.h"
-#include "platform/Guid.h"
+#include "nvdl/Guid.h"
 
 namespace nvdl::test {
 namespace {

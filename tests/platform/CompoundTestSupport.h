@@ -17,7 +17,7 @@
 
 #include "TempDir.h"
 #include "platform/CodePage.h"
-#include "platform/Storage.h"
+#include "nvdl/Storage.h"
 
 namespace nvdl::test {
 

@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 
 #include "platform/CodePage.h"
-#include "platform/Guid.h"
+#include "nvdl/Guid.h"
 #include "platform/MemoryStream.h"
-#include "platform/Variant.h"
+#include "nvdl/Variant.h"
 
 namespace nvdl {
 namespace {

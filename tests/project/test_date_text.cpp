@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "SettingsFileTest.h"
-#include "platform/Date.h"
+#include "nvdl/Date.h"
 #include "project/DateText.h"
 
 namespace nvdl::test {

@@ -5,7 +5,7 @@
 
 #include "platform/CodePage.h"
 #include "platform/MemberTable.h"
-#include "platform/Variant.h"
+#include "nvdl/Variant.h"
 #include "project/units/UnitExpression.h"
 #include "project/units/UnitObjects.h"
 

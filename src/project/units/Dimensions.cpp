@@ -2,7 +2,7 @@
 
 #include "frame/CollectionEnumerator.h"
 #include "platform/MemberTable.h"
-#include "platform/Variant.h"
+#include "nvdl/Variant.h"
 #include "project/units/Dimension.h"
 #include "project/units/UnitObjects.h"
 

@@ -3,7 +3,7 @@
 #include "frame/CollectionEnumerator.h"
 #include "platform/CodePage.h"
 #include "platform/MemberTable.h"
-#include "platform/Variant.h"
+#include "nvdl/Variant.h"
 
 namespace nvdl::units {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Types.h"
+#include "nvdl/Types.h"
 
 BSTR SysAllocString(const OLECHAR* text);
 BSTR SysAllocStringLen(const OLECHAR* text, unsigned length);

@@ -5,10 +5,10 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Bstr.h"
-#include "platform/Date.h"
-#include "platform/HResult.h"
-#include "platform/SafeArray.h"
+#include "nvdl/Bstr.h"
+#include "nvdl/Date.h"
+#include "nvdl/HResult.h"
+#include "nvdl/SafeArray.h"
 
 struct IUnknown;
 struct IDispatch;
@@ -99,7 +99,24 @@ public:
     Variant() { vt = VT_EMPTY; }
     Variant(const Variant& other);
     Variant& operator=(const Variant& other);
+    // A move takes the value over and leaves the source empty.
+    Variant(Variant&& other) noexcept : VARIANT(other) { VariantInit(&other); }
+    Variant& operator=(Variant&& other) noexcept {
+        if (this != &other) {
+            VariantClear(this);
+            static_cast<VARIANT&>(*this) = other;
+            VariantInit(&other);
+        }
+        return *this;
+    }
     ~Variant() { VariantClear(this); }
+
+    // Gives the value up to a caller's VARIANT (cleared first) and leaves this one empty.
+    void release(VARIANT* dest) {
+        VariantClear(dest);
+        *dest = *this;
+        VariantInit(this);
+    }
 
     static Variant fromLong(LONG value);
     static Variant fromShort(SHORT value);

@@ -1,7 +1,7 @@
 // Persistence interfaces of the object runtime, with the platform's slot order.
 #pragma once
 
-#include "platform/Stream.h"
+#include "nvdl/Stream.h"
 
 inline constexpr IID IID_IPersist{0x0000010C, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 inline constexpr IID IID_IPersistStream{0x00000109, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};

@@ -2,8 +2,8 @@
 // interfaces through which a client or the frame learns an interface's members.
 #pragma once
 
-#include "platform/Unknown.h"
-#include "platform/Variant.h"
+#include "nvdl/Unknown.h"
+#include "nvdl/Variant.h"
 
 inline constexpr IID IID_IDispatch{0x00020400, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 inline constexpr IID IID_ITypeInfo{0x00020401, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};

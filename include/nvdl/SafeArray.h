@@ -3,7 +3,7 @@
 
 #include <span>
 
-#include "platform/Types.h"
+#include "nvdl/Types.h"
 
 struct SAFEARRAYBOUND {
     ULONG cElements = 0;

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/Guid.h"
+#include "nvdl/Guid.h"
 
 namespace nvdl {
 

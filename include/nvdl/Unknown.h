@@ -1,8 +1,8 @@
 // The reference-counted object root, with the slot order of the platform: QueryInterface, AddRef, Release.
 #pragma once
 
-#include "platform/Guid.h"
-#include "platform/HResult.h"
+#include "nvdl/Guid.h"
+#include "nvdl/HResult.h"
 
 inline constexpr IID IID_IUnknown{0x00000000, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 

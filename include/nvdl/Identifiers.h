@@ -2,7 +2,7 @@
 // parameter class identifiers are stored in files; the others are the server's own.
 #pragma once
 
-#include "platform/Guid.h"
+#include "nvdl/Guid.h"
 
 // Classes.
 inline constexpr CLSID CLSID_CProject = {0x1e1827e6, 0x9acb, 0x46ba, {0xb1, 0x99, 0x20, 0x06, 0x7d, 0x5f, 0x8b, 0x78}};

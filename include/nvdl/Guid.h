@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Types.h"
+#include "nvdl/Types.h"
 
 struct GUID {
     std::uint32_t Data1 = 0;

@@ -7,7 +7,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "platform/Stream.h"
+#include "nvdl/Stream.h"
 
 inline constexpr IID IID_IStorage{0x0000000B, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 

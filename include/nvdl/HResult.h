@@ -1,7 +1,7 @@
 // Status codes, numbered as the platform numbers them. Negative values are failures.
 #pragma once
 
-#include "platform/Types.h"
+#include "nvdl/Types.h"
 
 constexpr HRESULT hr(std::uint32_t code) { return static_cast<HRESULT>(code); }
 
