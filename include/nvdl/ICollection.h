@@ -2,20 +2,22 @@
 // have these members in this order and differ only in their identifier.
 #pragma once
 
-#include "nvdl/Dispatch.h"
+#include "nvdl/Members.h"
 
+#define NVDL_ICOLLECTION_MEMBERS(M)                                                                 \
+    M(get, Count, (LONG* count))                                                                    \
+    M(call, Add, (IDispatch* item, VARIANT* key, VARIANT* before, VARIANT* after, LONG* index),      \
+      optional("key"), optional("before"), optional("after"))                                       \
+    M(call, Item, (VARIANT key, IDispatch** item), id(DISPID_VALUE))                                \
+    M(get, _NewEnum, (IUnknown** enumerator), id(DISPID_NEWENUM), hidden())                         \
+    M(call, Remove, (VARIANT key))                                                                  \
+    M(call, Clear, ())                                                                              \
+    M(call, Clone, (ICollection** copy))                                                            \
+    M(get, Name, (BSTR* name))                                                                      \
+    M(put, Name, (BSTR name))                                                                       \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info))
+
+// One struct for every collection interface: each object answers to its own identifier.
 struct ICollection : IDispatch {
-    virtual HRESULT get_Count(LONG* count) = 0;
-    virtual HRESULT Add(IDispatch* item, VARIANT* key, VARIANT* before, VARIANT* after, LONG* index) = 0;
-    virtual HRESULT Item(VARIANT key, IDispatch** item) = 0;
-    virtual HRESULT get__NewEnum(IUnknown** enumerator) = 0;
-    virtual HRESULT Remove(VARIANT key) = 0;
-    virtual HRESULT Clear() = 0;
-    virtual HRESULT Clone(ICollection** copy) = 0;
-    virtual HRESULT get_Name(BSTR* name) = 0;
-    virtual HRESULT put_Name(BSTR name) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
-
-protected:
-    ~ICollection() = default;
+    NVDL_INTERFACE_BODY(ICollection, NVDL_ICOLLECTION_MEMBERS)
 };

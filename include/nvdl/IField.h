@@ -3,30 +3,22 @@
 #pragma once
 
 #include "nvdl/Identifiers.h"
-#include "nvdl/Dispatch.h"
+#include "nvdl/Members.h"
 
-struct IField : IDispatch {
-    static constexpr const IID& iid = IID_IField;
+#define NVDL_IFIELD_MEMBERS(M) \
+    M(get, Name, (BSTR* name))                                   \
+    M(get, Value, (BSTR* value))                                 \
+    M(put, Value, (BSTR value))                                  \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info)) \
+    M(put, Parent, (IDispatch* parent))                          \
+    M(get, Parent, (IDispatch** parent))
 
-    virtual HRESULT get_Name(BSTR* name) = 0;
-    virtual HRESULT get_Value(BSTR* value) = 0;
-    virtual HRESULT put_Value(BSTR value) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
-    virtual HRESULT put_Parent(IDispatch* parent) = 0;
-    virtual HRESULT get_Parent(IDispatch** parent) = 0;
+NVDL_INTERFACE(IField, NVDL_IFIELD_MEMBERS);
 
-protected:
-    ~IField() = default;
-};
+#define NVDL_IFIELDS_MEMBERS(M) \
+    M(get, Count, (LONG* count))                                            \
+    M(get, Item, (VARIANT index, IField** field), id(DISPID_VALUE))         \
+    M(get, _NewEnum, (IUnknown** enumerator), id(DISPID_NEWENUM), hidden()) \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info))
 
-struct IFields : IDispatch {
-    static constexpr const IID& iid = IID_IFields;
-
-    virtual HRESULT get_Count(LONG* count) = 0;
-    virtual HRESULT get_Item(VARIANT index, IField** field) = 0;
-    virtual HRESULT get__NewEnum(IUnknown** enumerator) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
-
-protected:
-    ~IFields() = default;
-};
+NVDL_INTERFACE(IFields, NVDL_IFIELDS_MEMBERS);

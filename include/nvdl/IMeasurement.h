@@ -7,202 +7,198 @@
 #include "nvdl/ICollection.h"
 #include "nvdl/IField.h"
 #include "nvdl/ISignalRange.h"
-#include "nvdl/Dispatch.h"
+#include "nvdl/Members.h"
 
-struct IMeasurement : IDispatch {
-    static constexpr const IID& iid = IID_IMeasurement;
+#define NVDL_IMEASUREMENT_MEMBERS(M) \
+    M(put, Name, (BSTR v))                                                                                                                \
+    M(get, Name, (BSTR* v))                                                                                                               \
+    M(get, FunctionType, (VARIANT* v))                                                                                                    \
+    M(put, FunctionType, (VARIANT v))                                                                                                     \
+    M(get, Response, (BSTR* v))                                                                                                           \
+    M(put, Response, (BSTR v))                                                                                                            \
+    M(get, ResponseChannel, (LONG* v))                                                                                                    \
+    M(put, ResponseChannel, (LONG v))                                                                                                     \
+    M(get, Reference, (BSTR* v))                                                                                                          \
+    M(put, Reference, (BSTR v))                                                                                                           \
+    M(get, ReferenceChannel, (LONG* v))                                                                                                   \
+    M(put, ReferenceChannel, (LONG v))                                                                                                    \
+    M(get, XAxisType, (VARIANT* v))                                                                                                       \
+    M(put, XAxisType, (VARIANT v))                                                                                                        \
+    M(get, XStart, (float* v))                                                                                                            \
+    M(put, XStart, (float v))                                                                                                             \
+    M(get, XIncrement, (float* v))                                                                                                        \
+    M(put, XIncrement, (float v))                                                                                                         \
+    M(get, XDimension, (BSTR* v))                                                                                                         \
+    M(put, XDimension, (BSTR v))                                                                                                          \
+    M(get, YDimension, (BSTR* v))                                                                                                         \
+    M(put, YDimension, (BSTR v))                                                                                                          \
+    M(get, StorageUnitX, (BSTR* v))                                                                                                       \
+    M(put, StorageUnitX, (BSTR v))                                                                                                        \
+    M(get, StorageUnitY, (BSTR* v))                                                                                                       \
+    M(put, StorageUnitY, (BSTR v))                                                                                                        \
+    M(get, X, (LONG index, float* v))                                                                                                     \
+    M(put, X, (LONG index, float v))                                                                                                      \
+    M(get, XArray, (VARIANT* v))                                                                                                          \
+    M(put, XArray, (VARIANT v))                                                                                                           \
+    M(get, YReal, (LONG index, float* v))                                                                                                 \
+    M(put, YReal, (LONG index, float v))                                                                                                  \
+    M(get, YImag, (LONG index, float* v))                                                                                                 \
+    M(put, YImag, (LONG index, float v))                                                                                                  \
+    M(get, Amplitude, (LONG index, float* v))                                                                                             \
+    M(get, Phase, (LONG index, float* v))                                                                                                 \
+    M(get, YRealArray, (VARIANT* v))                                                                                                      \
+    M(get, YImagArray, (VARIANT* v))                                                                                                      \
+    M(call, YArray, (VARIANT* re, LONG size, VARIANT* im, BSTR dimension), optional("im"), optional("dimension"))                         \
+    M(get, XInUserUnit, (LONG index, float* v))                                                                                           \
+    M(put, XInUserUnit, (LONG index, float v))                                                                                            \
+    M(get, XArrayInUserUnit, (VARIANT* v))                                                                                                \
+    M(put, XArrayInUserUnit, (VARIANT v))                                                                                                 \
+    M(get, YRealInUserUnit, (LONG index, float* v))                                                                                       \
+    M(put, YRealInUserUnit, (LONG index, float v))                                                                                        \
+    M(get, YRealArrayInUserUnit, (VARIANT* v))                                                                                            \
+    M(put, YRealArrayInUserUnit, (VARIANT v))                                                                                             \
+    M(get, Size, (LONG* v))                                                                                                               \
+    M(get, Complex, (SHORT* v), typed(VT_BOOL))                                                                                           \
+    M(put, Complex, (SHORT v), typed(VT_BOOL))                                                                                            \
+    M(get, AveragingType, (VARIANT* v))                                                                                                   \
+    M(put, AveragingType, (VARIANT v))                                                                                                    \
+    M(get, AveragingParameter, (float* v))                                                                                                \
+    M(put, AveragingParameter, (float v))                                                                                                 \
+    M(get, Averages, (LONG* v))                                                                                                           \
+    M(put, Averages, (LONG v))                                                                                                            \
+    M(get, Overlap, (float* v))                                                                                                           \
+    M(put, Overlap, (float v))                                                                                                            \
+    M(get, WindowType, (VARIANT* v))                                                                                                      \
+    M(put, WindowType, (VARIANT v))                                                                                                       \
+    M(get, WindowParameter, (float* v))                                                                                                   \
+    M(put, WindowParameter, (float v))                                                                                                    \
+    M(get, MeasurementTime, (double* v))                                                                                                  \
+    M(put, MeasurementTime, (double v))                                                                                                   \
+    M(get, TestId, (BSTR* v))                                                                                                             \
+    M(put, TestId, (BSTR v))                                                                                                              \
+    M(get, FunctionQualifier, (BSTR* v))                                                                                                  \
+    M(put, FunctionQualifier, (BSTR v))                                                                                                   \
+    M(get, AcousticWeighting, (BSTR* v))                                                                                                  \
+    M(put, AcousticWeighting, (BSTR v))                                                                                                   \
+    M(get, Environment, (BSTR* v))                                                                                                        \
+    M(put, Environment, (BSTR v))                                                                                                         \
+    M(get, UserId, (BSTR* v))                                                                                                             \
+    M(put, UserId, (BSTR v))                                                                                                              \
+    M(get, Parameters, (ICollection** v))                                                                                                 \
+    M(get, Property, (BSTR name, BSTR* value))                                                                                      \
+    M(call, PropertyPut, (BSTR name, BSTR value))                                                                                         \
+    M(get, PropertiesCount, (LONG* v))                                                                                              \
+    M(get, PropertyName, (LONG index, BSTR* name))                                                                                  \
+    M(call, Translate, (LONG code, BSTR* text))                                                                                           \
+    M(call, Clip, (BSTR format, BSTR* text))                                                                                              \
+    M(get, Parent, (IDispatch** v))                                                                                                       \
+    M(put, Parent, (IDispatch* v))                                                                                                        \
+    M(frame_get, Modified, (SHORT* v))                                                                                                    \
+    M(put, Modified, (SHORT v))                                                                                                           \
+    M(call, Clone, (IMeasurement** copy))                                                                                                 \
+    /* Operators. */                                                                                                                      \
+    M(call, Add, (IMeasurement* other, VARIANT* mode, IMeasurement** result), optional("mode"))                                           \
+    M(call, Subtract, (IMeasurement* other, IMeasurement** result))                                                                       \
+    M(call, Multiply, (IMeasurement* other, IMeasurement** result))                                                                       \
+    M(call, Divide, (IMeasurement* other, IMeasurement** result))                                                                         \
+    M(call, Fft, (IMeasurement** result))                                                                                                 \
+    M(call, ComplexConjugate, (IMeasurement** result))                                                                                    \
+    M(call, Psd, (IMeasurement* other, IMeasurement** result))                                                                            \
+    M(call, Frf, (IMeasurement* other, VARIANT estimator, IMeasurement** result), optional("estimator"))                                  \
+    M(call, Coherence, (IMeasurement* auto1, IMeasurement* auto2, IMeasurement** result))                                                 \
+    M(call, Window, (IMeasurement** result))                                                                                              \
+    M(call, WhiteNoise, (IMeasurement** result))                                                                                          \
+    M(call, ScalarMultiply, (float value, IMeasurement** result))                                                                         \
+    M(call, ScalarAdd, (float value, IMeasurement** result))                                                                              \
+    M(call, ComplexMultiply, (float real, float imag, IMeasurement** result))                                                             \
+    M(call, ComplexAdd, (float real, float imag, IMeasurement** result))                                                                  \
+    M(call, Integrate, (IMeasurement** result))                                                                                           \
+    M(call, Differentiate, (IMeasurement** result))                                                                                       \
+    M(call, Rms, (float* rms))                                                                                                            \
+    M(call, Histogram, (LONG classes, float minimum, float maximum, IMeasurement** result))                                               \
+    M(call, HistogramAdd, (IMeasurement* other))                                                                                          \
+    M(put, Size, (LONG v))                                                                                                                \
+    M(get, XdDimension, (IDispatch** v))                                                                                                  \
+    M(put, XdDimension, (IDispatch* v))                                                                                                   \
+    M(get, YdDimension, (IDispatch** v))                                                                                                  \
+    M(put, YdDimension, (IDispatch* v))                                                                                                   \
+    M(call, SumIntegrate, (IMeasurement** result))                                                                                        \
+    M(call, SumDifferentiate, (IMeasurement** result))                                                                                    \
+    M(call, jwn, (LONG power, IMeasurement** result))                                                                                     \
+    M(call, AcousticIntensity, (float a, float b, IMeasurement** result))                                                                 \
+    M(get, Order, (float* v))                                                                                                             \
+    M(put, Order, (float v))                                                                                                              \
+    M(get, RPM, (float* v))                                                                                                               \
+    M(put, RPM, (float v))                                                                                                                \
+    M(get, Z, (float* v))                                                                                                                 \
+    M(put, Z, (float v))                                                                                                                  \
+    M(get, ZdDimension, (IDispatch** v))                                                                                                  \
+    M(put, ZdDimension, (IDispatch* v))                                                                                                   \
+    M(get, ZDimension, (BSTR* v))                                                                                                         \
+    M(put, ZDimension, (BSTR v))                                                                                                          \
+    M(put, BandwidthCorrectionFactor, (float v))                                                                                          \
+    M(get, BandwidthCorrectionFactor, (float* v))                                                                                         \
+    M(call, WeightingFunction, (BSTR weighting, IMeasurement** result))                                                                   \
+    M(get, Power, (LONG* v))                                                                                                              \
+    M(put, Power, (LONG v))                                                                                                               \
+    M(get, Fields, (IFields** v))                                                                                                         \
+    M(call, InPlaceEnergySpectralDensity, ())                                                                                             \
+    M(call, InPlaceProbabilityDensity, ())                                                                                                \
+    M(call, InPlaceComplexFourierTransform, ())                                                                                           \
+    M(call, InPlaceComplexMultiply, (float real, float imag))                                                                             \
+    /* Block copies for C++ clients: buffers of `count` floats (not reachable late-bound). */                                             \
+    M(native, SetYValues, (LONG start, LONG count, const float* re, const float* im))                                                     \
+    M(native, GetYValues, (LONG start, LONG count, float* re, float* im))                                                                 \
+    M(call, Copy, (IMeasurement* target))                                                                                                 \
+    M(call, ReadData, (LONG start, LONG count))                                                                                           \
+    M(get, IsUncompleted, (SHORT* v), typed(VT_BOOL))                                                                                     \
+    M(get, FileSamples, (LONG* v))                                                                                                        \
+    M(call, Location, (BSTR file, SHORT inDataStorage, BSTR subStorage, BSTR stream, LONG version), declaredAs("inDataStorage", VT_BOOL)) \
+    M(call, Optimize, ())                                                                                                                 \
+    M(get, IsUsefullData, (SHORT* v), typed(VT_BOOL))                                                                                     \
+    M(get, CompressionFactor, (float* v))                                                                                                 \
+    M(get, Measurements, (ICollection** v))                                                                                               \
+    M(get, Overload, (LONG* v))                                                                                                           \
+    M(put, Overload, (LONG v))                                                                                                            \
+    M(get, SignalRange, (ISignalRange** v))                                                                                               \
+    M(call, Rms2, (LONG first, LONG last, float* rms))                                                                                    \
+    M(native, ReadYRealArray, (float* buffer, LONG count, LONG start))                                                                    \
+    M(native, WriteYRealArray, (const float* buffer, LONG count, LONG start))                                                             \
+    M(put, FileSamples, (LONG v))                                                                                                         \
+    M(get, ClsidLoader, (BSTR* v))                                                                                                        \
+    M(put, ClsidLoader, (BSTR v))                                                                                                         \
+    M(get, ChannelFileID, (BSTR* v))                                                                                                      \
+    M(put, ChannelFileID, (BSTR v))                                                                                                       \
+    M(put, CompressionFactor, (float v))                                                                                                  \
+    M(put, IsUsefullData, (SHORT v), typed(VT_BOOL))                                                                                      \
+    M(put, IsUncompleted, (SHORT v), typed(VT_BOOL))                                                                                      \
+    M(get, CheckOnUnicId, (SHORT* v), typed(VT_BOOL))                                                                                     \
+    M(put, CheckOnUnicId, (SHORT v), typed(VT_BOOL))                                                                                      \
+    M(get, DataBlocks, (ICollection** v))                                                                                                 \
+    M(get, Id, (BSTR* v))                                                                                                                 \
+    M(native, SetXValues, (LONG start, LONG count, const float* x))                                                                       \
+    M(native, GetXValues, (LONG start, LONG count, float* x))                                                                             \
+    M(call, Octave, (LONG bands, IMeasurement** result))                                                                                  \
+    M(get, Workspace, (BSTR* v))                                                                                                          \
+    M(get, Tag, (BSTR* v))                                                                                                                \
+    M(put, Tag, (BSTR v))                                                                                                                 \
+    M(call, CopyHeader, (IMeasurement* target))                                                                                           \
+    M(get, MeasShmLink, (BSTR* v))                                                                                                        \
+    M(call, sqr, (IMeasurement** result))                                                                                                 \
+    M(call, Rms3, (LONG first, LONG last, LONG code, float* rms))                                                                         \
+    M(get, Usage, (LONG* v))                                                                                                              \
+    M(put, Usage, (LONG v))                                                                                                               \
+    M(put, MeasShmLink, (BSTR v))                                                                                                         \
+    M(get, SoftwareRevision, (BSTR* v))                                                                                                   \
+    M(put, SoftwareRevision, (BSTR v))                                                                                                    \
+    M(call, Concatenate, (IMeasurement* other, IMeasurement** result))                                                                    \
+    M(call, Compress, (LONG points, IMeasurement** result))                                                                               \
+    M(get, LinearUnitYd, (IDispatch** unit))                                                                                              \
+    M(get, LinearUnitY, (BSTR* name))                                                                                                     \
+    M(get, YRealSectionArray, (LONG first, LONG count, VARIANT* v))                                                                       \
+    M(get, YImagSectionArray, (LONG first, LONG count, VARIANT* v))                                                                       \
+    M(get, XSectionArray, (LONG first, LONG count, VARIANT* v))                                                                           \
+    M(call, CloneHeaderOnly, (IMeasurement** copy))                                                                                       \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info))
 
-    virtual HRESULT put_Name(BSTR v) = 0;
-    virtual HRESULT get_Name(BSTR* v) = 0;
-    virtual HRESULT get_FunctionType(VARIANT* v) = 0;
-    virtual HRESULT put_FunctionType(VARIANT v) = 0;
-    virtual HRESULT get_Response(BSTR* v) = 0;
-    virtual HRESULT put_Response(BSTR v) = 0;
-    virtual HRESULT get_ResponseChannel(LONG* v) = 0;
-    virtual HRESULT put_ResponseChannel(LONG v) = 0;
-    virtual HRESULT get_Reference(BSTR* v) = 0;
-    virtual HRESULT put_Reference(BSTR v) = 0;
-    virtual HRESULT get_ReferenceChannel(LONG* v) = 0;
-    virtual HRESULT put_ReferenceChannel(LONG v) = 0;
-    virtual HRESULT get_XAxisType(VARIANT* v) = 0;
-    virtual HRESULT put_XAxisType(VARIANT v) = 0;
-    virtual HRESULT get_XStart(float* v) = 0;
-    virtual HRESULT put_XStart(float v) = 0;
-    virtual HRESULT get_XIncrement(float* v) = 0;
-    virtual HRESULT put_XIncrement(float v) = 0;
-    virtual HRESULT get_XDimension(BSTR* v) = 0;
-    virtual HRESULT put_XDimension(BSTR v) = 0;
-    virtual HRESULT get_YDimension(BSTR* v) = 0;
-    virtual HRESULT put_YDimension(BSTR v) = 0;
-    virtual HRESULT get_StorageUnitX(BSTR* v) = 0;
-    virtual HRESULT put_StorageUnitX(BSTR v) = 0;
-    virtual HRESULT get_StorageUnitY(BSTR* v) = 0;
-    virtual HRESULT put_StorageUnitY(BSTR v) = 0;
-    virtual HRESULT get_X(LONG index, float* v) = 0;
-    virtual HRESULT put_X(LONG index, float v) = 0;
-    virtual HRESULT get_XArray(VARIANT* v) = 0;
-    virtual HRESULT put_XArray(VARIANT v) = 0;
-    virtual HRESULT get_YReal(LONG index, float* v) = 0;
-    virtual HRESULT put_YReal(LONG index, float v) = 0;
-    virtual HRESULT get_YImag(LONG index, float* v) = 0;
-    virtual HRESULT put_YImag(LONG index, float v) = 0;
-    virtual HRESULT get_Amplitude(LONG index, float* v) = 0;
-    virtual HRESULT get_Phase(LONG index, float* v) = 0;
-    virtual HRESULT get_YRealArray(VARIANT* v) = 0;
-    virtual HRESULT get_YImagArray(VARIANT* v) = 0;
-    virtual HRESULT YArray(VARIANT* re, LONG size, VARIANT* im, BSTR dimension) = 0;
-    virtual HRESULT get_XInUserUnit(LONG index, float* v) = 0;
-    virtual HRESULT put_XInUserUnit(LONG index, float v) = 0;
-    virtual HRESULT get_XArrayInUserUnit(VARIANT* v) = 0;
-    virtual HRESULT put_XArrayInUserUnit(VARIANT v) = 0;
-    virtual HRESULT get_YRealInUserUnit(LONG index, float* v) = 0;
-    virtual HRESULT put_YRealInUserUnit(LONG index, float v) = 0;
-    virtual HRESULT get_YRealArrayInUserUnit(VARIANT* v) = 0;
-    virtual HRESULT put_YRealArrayInUserUnit(VARIANT v) = 0;
-    virtual HRESULT get_Size(LONG* v) = 0;
-    virtual HRESULT get_Complex(SHORT* v) = 0;
-    virtual HRESULT put_Complex(SHORT v) = 0;
-    virtual HRESULT get_AveragingType(VARIANT* v) = 0;
-    virtual HRESULT put_AveragingType(VARIANT v) = 0;
-    virtual HRESULT get_AveragingParameter(float* v) = 0;
-    virtual HRESULT put_AveragingParameter(float v) = 0;
-    virtual HRESULT get_Averages(LONG* v) = 0;
-    virtual HRESULT put_Averages(LONG v) = 0;
-    virtual HRESULT get_Overlap(float* v) = 0;
-    virtual HRESULT put_Overlap(float v) = 0;
-    virtual HRESULT get_WindowType(VARIANT* v) = 0;
-    virtual HRESULT put_WindowType(VARIANT v) = 0;
-    virtual HRESULT get_WindowParameter(float* v) = 0;
-    virtual HRESULT put_WindowParameter(float v) = 0;
-    virtual HRESULT get_MeasurementTime(double* v) = 0;
-    virtual HRESULT put_MeasurementTime(double v) = 0;
-    virtual HRESULT get_TestId(BSTR* v) = 0;
-    virtual HRESULT put_TestId(BSTR v) = 0;
-    virtual HRESULT get_FunctionQualifier(BSTR* v) = 0;
-    virtual HRESULT put_FunctionQualifier(BSTR v) = 0;
-    virtual HRESULT get_AcousticWeighting(BSTR* v) = 0;
-    virtual HRESULT put_AcousticWeighting(BSTR v) = 0;
-    virtual HRESULT get_Environment(BSTR* v) = 0;
-    virtual HRESULT put_Environment(BSTR v) = 0;
-    virtual HRESULT get_UserId(BSTR* v) = 0;
-    virtual HRESULT put_UserId(BSTR v) = 0;
-    virtual HRESULT get_Parameters(ICollection** v) = 0;
-    virtual HRESULT get_Property(BSTR name, BSTR* value) = 0;
-    virtual HRESULT PropertyPut(BSTR name, BSTR value) = 0;
-    virtual HRESULT get_PropertiesCount(LONG* v) = 0;
-    virtual HRESULT get_PropertyName(LONG index, BSTR* name) = 0;
-    virtual HRESULT Translate(LONG code, BSTR* text) = 0;
-    virtual HRESULT Clip(BSTR format, BSTR* text) = 0;
-    virtual HRESULT get_Parent(IDispatch** v) = 0;
-    virtual HRESULT put_Parent(IDispatch* v) = 0;
-    virtual HRESULT get_Modified(SHORT* v) = 0;
-    virtual HRESULT put_Modified(SHORT v) = 0;
-    virtual HRESULT Clone(IMeasurement** copy) = 0;
-    // Operators.
-    virtual HRESULT Add(IMeasurement* other, VARIANT* mode, IMeasurement** result) = 0;
-    virtual HRESULT Subtract(IMeasurement* other, IMeasurement** result) = 0;
-    virtual HRESULT Multiply(IMeasurement* other, IMeasurement** result) = 0;
-    virtual HRESULT Divide(IMeasurement* other, IMeasurement** result) = 0;
-    virtual HRESULT Fft(IMeasurement** result) = 0;
-    virtual HRESULT ComplexConjugate(IMeasurement** result) = 0;
-    virtual HRESULT Psd(IMeasurement* other, IMeasurement** result) = 0;
-    virtual HRESULT Frf(IMeasurement* other, VARIANT estimator, IMeasurement** result) = 0;
-    virtual HRESULT Coherence(IMeasurement* auto1, IMeasurement* auto2, IMeasurement** result) = 0;
-    virtual HRESULT Window(IMeasurement** result) = 0;
-    virtual HRESULT WhiteNoise(IMeasurement** result) = 0;
-    virtual HRESULT ScalarMultiply(float value, IMeasurement** result) = 0;
-    virtual HRESULT ScalarAdd(float value, IMeasurement** result) = 0;
-    virtual HRESULT ComplexMultiply(float real, float imag, IMeasurement** result) = 0;
-    virtual HRESULT ComplexAdd(float real, float imag, IMeasurement** result) = 0;
-    virtual HRESULT Integrate(IMeasurement** result) = 0;
-    virtual HRESULT Differentiate(IMeasurement** result) = 0;
-    virtual HRESULT Rms(float* rms) = 0;
-    virtual HRESULT Histogram(LONG classes, float minimum, float maximum, IMeasurement** result) = 0;
-    virtual HRESULT HistogramAdd(IMeasurement* other) = 0;
-    virtual HRESULT put_Size(LONG v) = 0;
-    virtual HRESULT get_XdDimension(IDispatch** v) = 0;
-    virtual HRESULT put_XdDimension(IDispatch* v) = 0;
-    virtual HRESULT get_YdDimension(IDispatch** v) = 0;
-    virtual HRESULT put_YdDimension(IDispatch* v) = 0;
-    virtual HRESULT SumIntegrate(IMeasurement** result) = 0;
-    virtual HRESULT SumDifferentiate(IMeasurement** result) = 0;
-    virtual HRESULT jwn(LONG power, IMeasurement** result) = 0;
-    virtual HRESULT AcousticIntensity(float a, float b, IMeasurement** result) = 0;
-    virtual HRESULT get_Order(float* v) = 0;
-    virtual HRESULT put_Order(float v) = 0;
-    virtual HRESULT get_RPM(float* v) = 0;
-    virtual HRESULT put_RPM(float v) = 0;
-    virtual HRESULT get_Z(float* v) = 0;
-    virtual HRESULT put_Z(float v) = 0;
-    virtual HRESULT get_ZdDimension(IDispatch** v) = 0;
-    virtual HRESULT put_ZdDimension(IDispatch* v) = 0;
-    virtual HRESULT get_ZDimension(BSTR* v) = 0;
-    virtual HRESULT put_ZDimension(BSTR v) = 0;
-    virtual HRESULT put_BandwidthCorrectionFactor(float v) = 0;
-    virtual HRESULT get_BandwidthCorrectionFactor(float* v) = 0;
-    virtual HRESULT WeightingFunction(BSTR weighting, IMeasurement** result) = 0;
-    virtual HRESULT get_Power(LONG* v) = 0;
-    virtual HRESULT put_Power(LONG v) = 0;
-    virtual HRESULT get_Fields(IFields** v) = 0;
-    virtual HRESULT InPlaceEnergySpectralDensity() = 0;
-    virtual HRESULT InPlaceProbabilityDensity() = 0;
-    virtual HRESULT InPlaceComplexFourierTransform() = 0;
-    virtual HRESULT InPlaceComplexMultiply(float real, float imag) = 0;
-    // Block copies for C++ clients: buffers of `count` floats (not reachable late-bound).
-    virtual HRESULT SetYValues(LONG start, LONG count, const float* re, const float* im) = 0;
-    virtual HRESULT GetYValues(LONG start, LONG count, float* re, float* im) = 0;
-    virtual HRESULT Copy(IMeasurement* target) = 0;
-    virtual HRESULT ReadData(LONG start, LONG count) = 0;
-    virtual HRESULT get_IsUncompleted(SHORT* v) = 0;
-    virtual HRESULT get_FileSamples(LONG* v) = 0;
-    virtual HRESULT Location(BSTR file, SHORT inDataStorage, BSTR subStorage, BSTR stream, LONG version) = 0;
-    virtual HRESULT Optimize() = 0;
-    virtual HRESULT get_IsUsefullData(SHORT* v) = 0;
-    virtual HRESULT get_CompressionFactor(float* v) = 0;
-    virtual HRESULT get_Measurements(ICollection** v) = 0;
-    virtual HRESULT get_Overload(LONG* v) = 0;
-    virtual HRESULT put_Overload(LONG v) = 0;
-    virtual HRESULT get_SignalRange(ISignalRange** v) = 0;
-    virtual HRESULT Rms2(LONG first, LONG last, float* rms) = 0;
-    virtual HRESULT ReadYRealArray(float* buffer, LONG count, LONG start) = 0;
-    virtual HRESULT WriteYRealArray(const float* buffer, LONG count, LONG start) = 0;
-    virtual HRESULT put_FileSamples(LONG v) = 0;
-    virtual HRESULT get_ClsidLoader(BSTR* v) = 0;
-    virtual HRESULT put_ClsidLoader(BSTR v) = 0;
-    virtual HRESULT get_ChannelFileID(BSTR* v) = 0;
-    virtual HRESULT put_ChannelFileID(BSTR v) = 0;
-    virtual HRESULT put_CompressionFactor(float v) = 0;
-    virtual HRESULT put_IsUsefullData(SHORT v) = 0;
-    virtual HRESULT put_IsUncompleted(SHORT v) = 0;
-    virtual HRESULT get_CheckOnUnicId(SHORT* v) = 0;
-    virtual HRESULT put_CheckOnUnicId(SHORT v) = 0;
-    virtual HRESULT get_DataBlocks(ICollection** v) = 0;
-    virtual HRESULT get_Id(BSTR* v) = 0;
-    virtual HRESULT SetXValues(LONG start, LONG count, const float* x) = 0;
-    virtual HRESULT GetXValues(LONG start, LONG count, float* x) = 0;
-    virtual HRESULT Octave(LONG bandsPerOctave, IMeasurement** result) = 0;
-    virtual HRESULT get_Workspace(BSTR* v) = 0;
-    virtual HRESULT get_Tag(BSTR* v) = 0;
-    virtual HRESULT put_Tag(BSTR v) = 0;
-    virtual HRESULT CopyHeader(IMeasurement* target) = 0;
-    virtual HRESULT get_MeasShmLink(BSTR* v) = 0;
-    virtual HRESULT sqr(IMeasurement** result) = 0;
-    virtual HRESULT Rms3(LONG first, LONG last, LONG code, float* rms) = 0;
-    virtual HRESULT get_Usage(LONG* v) = 0;
-    virtual HRESULT put_Usage(LONG v) = 0;
-    virtual HRESULT put_MeasShmLink(BSTR v) = 0;
-    virtual HRESULT get_SoftwareRevision(BSTR* v) = 0;
-    virtual HRESULT put_SoftwareRevision(BSTR v) = 0;
-    virtual HRESULT Concatenate(IMeasurement* other, IMeasurement** result) = 0;
-    virtual HRESULT Compress(LONG points, IMeasurement** result) = 0;
-    virtual HRESULT get_LinearUnitYd(IDispatch** unit) = 0;
-    virtual HRESULT get_LinearUnitY(BSTR* name) = 0;
-    virtual HRESULT get_YRealSectionArray(LONG first, LONG count, VARIANT* v) = 0;
-    virtual HRESULT get_YImagSectionArray(LONG first, LONG count, VARIANT* v) = 0;
-    virtual HRESULT get_XSectionArray(LONG first, LONG count, VARIANT* v) = 0;
-    virtual HRESULT CloneHeaderOnly(IMeasurement** copy) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
-
-protected:
-    ~IMeasurement() = default;
-};
+NVDL_INTERFACE(IMeasurement, NVDL_IMEASUREMENT_MEMBERS);

@@ -2,23 +2,19 @@
 #pragma once
 
 #include "nvdl/Identifiers.h"
-#include "nvdl/Dispatch.h"
+#include "nvdl/Members.h"
 
-struct IParameter : IDispatch {
-    static constexpr const IID& iid = IID_IParameter;
+#define NVDL_IPARAMETER_MEMBERS(M)                \
+    M(put, Name, (BSTR name))                     \
+    M(get, Name, (BSTR* name))                   \
+    M(get, Value, (BSTR* value))                 \
+    M(put, Value, (BSTR value))                   \
+    M(frame_call, Copy, (IParameter* target))    \
+    M(frame_get, Modified, (SHORT* modified))    \
+    M(frame_put, Modified, (SHORT modified))      \
+    M(frame_get, Parent, (IDispatch** parent))   \
+    M(frame_put, Parent, (IDispatch* parent))    \
+    M(frame_call, Clone, (IParameter** copy))    \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info))
 
-    virtual HRESULT put_Name(BSTR name) = 0;
-    virtual HRESULT get_Name(BSTR* name) = 0;
-    virtual HRESULT get_Value(BSTR* value) = 0;
-    virtual HRESULT put_Value(BSTR value) = 0;
-    virtual HRESULT Copy(IParameter* target) = 0;
-    virtual HRESULT get_Modified(SHORT* modified) = 0;
-    virtual HRESULT put_Modified(SHORT modified) = 0;
-    virtual HRESULT get_Parent(IDispatch** parent) = 0;
-    virtual HRESULT put_Parent(IDispatch* parent) = 0;
-    virtual HRESULT Clone(IParameter** copy) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
-
-protected:
-    ~IParameter() = default;
-};
+NVDL_INTERFACE(IParameter, NVDL_IPARAMETER_MEMBERS);

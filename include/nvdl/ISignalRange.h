@@ -3,42 +3,38 @@
 #pragma once
 
 #include "nvdl/Identifiers.h"
-#include "nvdl/Dispatch.h"
+#include "nvdl/Members.h"
 
-struct ISignalRange : IDispatch {
-    static constexpr const IID& iid = IID_ISignalRange;
+#define NVDL_ISIGNALRANGE_MEMBERS(M) \
+    M(get, Min, (double* v))                                     \
+    M(put, Min, (double v))                                      \
+    M(get, Max, (double* v))                                     \
+    M(put, Max, (double v))                                      \
+    M(get, OverallMin, (double* v))                              \
+    M(put, OverallMin, (double v))                               \
+    M(get, OverallMax, (double* v))                              \
+    M(put, OverallMax, (double v))                               \
+    M(get, Mean, (double* v))                                    \
+    M(put, Mean, (double v))                                     \
+    M(get, Rms, (double* v))                                     \
+    M(put, Rms, (double v))                                      \
+    M(get, StandardDeviation, (double* v))                       \
+    M(put, StandardDeviation, (double v))                        \
+    M(get, Factor, (double* v))                                  \
+    M(put, Factor, (double v))                                   \
+    M(get, UnitOffset, (double* v))                              \
+    M(put, UnitOffset, (double v))                               \
+    M(get, Range, (float* v))                                    \
+    M(put, Range, (float v))                                     \
+    /* Copies this range's values into the target. */            \
+    M(call, Copy, (ISignalRange* target))                        \
+    M(frame_get, Modified, (SHORT* v))                           \
+    M(put, Modified, (SHORT v))                                  \
+    M(get, Measurement, (IDispatch** v))                         \
+    M(put, Measurement, (IDispatch* v))                          \
+    M(call, Clone, (ISignalRange** copy))                        \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info)) \
+    M(frame_get, Property, (BSTR name, BSTR* value))             \
+    M(frame_put, Property, (BSTR name, BSTR value))
 
-    virtual HRESULT get_Min(double* v) = 0;
-    virtual HRESULT put_Min(double v) = 0;
-    virtual HRESULT get_Max(double* v) = 0;
-    virtual HRESULT put_Max(double v) = 0;
-    virtual HRESULT get_OverallMin(double* v) = 0;
-    virtual HRESULT put_OverallMin(double v) = 0;
-    virtual HRESULT get_OverallMax(double* v) = 0;
-    virtual HRESULT put_OverallMax(double v) = 0;
-    virtual HRESULT get_Mean(double* v) = 0;
-    virtual HRESULT put_Mean(double v) = 0;
-    virtual HRESULT get_Rms(double* v) = 0;
-    virtual HRESULT put_Rms(double v) = 0;
-    virtual HRESULT get_StandardDeviation(double* v) = 0;
-    virtual HRESULT put_StandardDeviation(double v) = 0;
-    virtual HRESULT get_Factor(double* v) = 0;
-    virtual HRESULT put_Factor(double v) = 0;
-    virtual HRESULT get_UnitOffset(double* v) = 0;
-    virtual HRESULT put_UnitOffset(double v) = 0;
-    virtual HRESULT get_Range(float* v) = 0;
-    virtual HRESULT put_Range(float v) = 0;
-    // Copies this range's values into the target.
-    virtual HRESULT Copy(ISignalRange* target) = 0;
-    virtual HRESULT get_Modified(SHORT* v) = 0;
-    virtual HRESULT put_Modified(SHORT v) = 0;
-    virtual HRESULT get_Measurement(IDispatch** v) = 0;
-    virtual HRESULT put_Measurement(IDispatch* v) = 0;
-    virtual HRESULT Clone(ISignalRange** copy) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
-    virtual HRESULT get_Property(BSTR name, BSTR* value) = 0;
-    virtual HRESULT put_Property(BSTR name, BSTR value) = 0;
-
-protected:
-    ~ISignalRange() = default;
-};
+NVDL_INTERFACE(ISignalRange, NVDL_ISIGNALRANGE_MEMBERS);

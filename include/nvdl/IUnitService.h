@@ -26,7 +26,7 @@
 #pragma once
 
 #include "nvdl/Identifiers.h"
-#include "nvdl/Dispatch.h"
+#include "nvdl/Members.h"
 
 namespace nvdl {
 
@@ -53,98 +53,78 @@ struct IUnit;
 
 // The units of one dimension, or of the whole table. Item by position (0-based) or by name
 // (exact first, then ignoring case).
-struct IUnits : IDispatch {
-    static constexpr const IID& iid = IID_IUnits;
+#define NVDL_IUNITS_MEMBERS(M) \
+    M(get, Count, (LONG* count))                                            \
+    M(get, Item, (VARIANT index, IUnit** unit), id(DISPID_VALUE))           \
+    M(get, _NewEnum, (IUnknown** enumerator), id(DISPID_NEWENUM), hidden()) \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info))
 
-    virtual HRESULT get_Count(LONG* count) = 0;
-    virtual HRESULT get_Item(VARIANT index, IUnit** unit) = 0;
-    virtual HRESULT get__NewEnum(IUnknown** enumerator) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
+NVDL_INTERFACE(IUnits, NVDL_IUNITS_MEMBERS);
 
-protected:
-    ~IUnits() = default;
-};
+#define NVDL_IUNIT_MEMBERS(M) \
+    M(get, Name, (BSTR* name), id(DISPID_VALUE))                 \
+    M(get, Factor, (double* factor))                             \
+    M(get, Offset, (double* offset))                             \
+    M(get, Dimension, (IDimension** dimension))                  \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info))
 
-struct IUnit : IDispatch {
-    static constexpr const IID& iid = IID_IUnit;
+NVDL_INTERFACE(IUnit, NVDL_IUNIT_MEMBERS);
 
-    virtual HRESULT get_Name(BSTR* name) = 0;
-    virtual HRESULT get_Factor(double* factor) = 0;
-    virtual HRESULT get_Offset(double* offset) = 0;
-    virtual HRESULT get_Dimension(IDimension** dimension) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
+#define NVDL_IDIMENSION_MEMBERS(M) \
+    M(get, Name, (BSTR* name), id(DISPID_VALUE))                                                       \
+    /* The position in the table (0-based), or -1 for a dimension the table does not hold. */          \
+    M(get, Index, (LONG* index))                                                                       \
+    /* One base exponent by its position 1 to 10; another position gives E_INVALIDARG. */              \
+    M(get, BaseExponent, (SHORT position, SHORT* exponent))                                            \
+    M(get, IsUnknown, (SHORT* unknown), typed(VT_BOOL))                                                \
+    M(get, IsValid, (SHORT* valid), typed(VT_BOOL))                                                    \
+    /* The unit values of this dimension are given in unless told otherwise; null when it has none. */ \
+    M(get, DefaultUnit, (IUnit** unit))                                                                \
+    M(get, Units, (IUnits** units))                                                                    \
+    /* The four building properties (see the head of this file). */                                    \
+    M(get, Dimension, (BSTR* base))                                                                    \
+    M(put, Dimension, (VARIANT base))                                                                  \
+    M(get, Exponent, (SHORT* exponent))                                                                \
+    M(put, Exponent, (SHORT exponent))                                                                 \
+    M(get, Unit, (BSTR* unit))                                                                         \
+    M(put, Unit, (BSTR unit))                                                                          \
+    M(get, Factor, (double* factor))                                                                   \
+    M(put, Factor, (double factor))                                                                    \
+    /* The dimension whose square this one is: each exponent halved by integer division. An unknown */ \
+    /* dimension gives itself. */                                                                      \
+    M(call, SquareRoot, (IDimension** root))                                                           \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info))
 
-protected:
-    ~IUnit() = default;
-};
-
-struct IDimension : IDispatch {
-    static constexpr const IID& iid = IID_IDimension;
-
-    virtual HRESULT get_Name(BSTR* name) = 0;
-    // The position in the table (0-based), or -1 for a dimension the table does not hold.
-    virtual HRESULT get_Index(LONG* index) = 0;
-    // One base exponent by its position 1 to 10; another position gives E_INVALIDARG.
-    virtual HRESULT get_BaseExponent(SHORT position, SHORT* exponent) = 0;
-    virtual HRESULT get_IsUnknown(SHORT* unknown) = 0;
-    virtual HRESULT get_IsValid(SHORT* valid) = 0;
-    // The unit values of this dimension are given in unless told otherwise; null when it has none.
-    virtual HRESULT get_DefaultUnit(IUnit** unit) = 0;
-    virtual HRESULT get_Units(IUnits** units) = 0;
-    // The four building properties (see the head of this file).
-    virtual HRESULT get_Dimension(BSTR* base) = 0;
-    virtual HRESULT put_Dimension(VARIANT base) = 0;
-    virtual HRESULT get_Exponent(SHORT* exponent) = 0;
-    virtual HRESULT put_Exponent(SHORT exponent) = 0;
-    virtual HRESULT get_Unit(BSTR* unit) = 0;
-    virtual HRESULT put_Unit(BSTR unit) = 0;
-    virtual HRESULT get_Factor(double* factor) = 0;
-    virtual HRESULT put_Factor(double factor) = 0;
-    // The dimension whose square this one is: each exponent halved by integer division. An unknown
-    // dimension gives itself.
-    virtual HRESULT SquareRoot(IDimension** root) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
-
-protected:
-    ~IDimension() = default;
-};
+NVDL_INTERFACE(IDimension, NVDL_IDIMENSION_MEMBERS);
 
 // The table's dimensions. Item by position (0-based, the dimension's Index) or by name ignoring case.
-struct IDimensions : IDispatch {
-    static constexpr const IID& iid = IID_IDimensions;
+#define NVDL_IDIMENSIONS_MEMBERS(M)                                                                           \
+    M(get, Count, (LONG* count))                                                                              \
+    M(get, Item, (VARIANT index, IDimension** dimension), id(DISPID_VALUE))                                   \
+    M(get, _NewEnum, (IUnknown** enumerator), id(DISPID_NEWENUM), hidden())                                   \
+    /* The table's first dimension (not unknown) with these exponents, else a new unnamed dimension with */   \
+    /* them, named by its base units ("m*s^-3"), Index -1. */                                                 \
+    M(call, FromExponents,                                                                                    \
+      (SHORT length, SHORT time, SHORT mass, SHORT current, SHORT temperature, SHORT amount,                   \
+       SHORT luminousIntensity, SHORT planeAngle, SHORT solidAngle, SHORT other, IDimension** dimension))     \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info))
 
-    virtual HRESULT get_Count(LONG* count) = 0;
-    virtual HRESULT get_Item(VARIANT index, IDimension** dimension) = 0;
-    virtual HRESULT get__NewEnum(IUnknown** enumerator) = 0;
-    // The table's first dimension (not unknown) with these exponents, else a new unnamed dimension
-    // with them, named by its base units ("m*s^-3"), Index -1.
-    virtual HRESULT FromExponents(SHORT length, SHORT time, SHORT mass, SHORT current, SHORT temperature,
-                                  SHORT amount, SHORT luminousIntensity, SHORT planeAngle, SHORT solidAngle,
-                                  SHORT other, IDimension** dimension) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
-
-protected:
-    ~IDimensions() = default;
-};
+NVDL_INTERFACE(IDimensions, NVDL_IDIMENSIONS_MEMBERS);
 
 // The service. It starts with the units file shipped with the library and reads another one when
 // told through Load; a file that cannot be read leaves the table as it was.
-struct IUnitService : IDispatch {
-    static constexpr const IID& iid = IID_IUnitService;
+#define NVDL_IUNITSERVICE_MEMBERS(M) \
+    M(get, Dimensions, (IDimensions** dimensions))                                                    \
+    /* Every unit of every dimension, in table order. */                                              \
+    M(get, Units, (IUnits** units))                                                                   \
+    M(call, Load, (BSTR file))                                                                        \
+    /* The file the table was read from; empty when not even the shipped file could be read. */       \
+    M(get, FileName, (BSTR* file))                                                                    \
+    /* A unit of any dimension by name: the first exact match in table order, else the first match */ \
+    /* ignoring case; E_INVALIDARG when the table has none. */                                        \
+    M(call, FindUnit, (BSTR name, IUnit** unit))                                                      \
+    /* A new dimension object to be built through its four building properties. */                    \
+    M(call, NewDimension, (IDimension** dimension))                                                   \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info))
 
-    virtual HRESULT get_Dimensions(IDimensions** dimensions) = 0;
-    // Every unit of every dimension, in table order.
-    virtual HRESULT get_Units(IUnits** units) = 0;
-    virtual HRESULT Load(BSTR file) = 0;
-    // The file the table was read from; empty when not even the shipped file could be read.
-    virtual HRESULT get_FileName(BSTR* file) = 0;
-    // A unit of any dimension by name: the first exact match in table order, else the first match
-    // ignoring case; E_INVALIDARG when the table has none.
-    virtual HRESULT FindUnit(BSTR name, IUnit** unit) = 0;
-    // A new dimension object to be built through its four building properties.
-    virtual HRESULT NewDimension(IDimension** dimension) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
-
-protected:
-    ~IUnitService() = default;
-};
+NVDL_INTERFACE(IUnitService, NVDL_IUNITSERVICE_MEMBERS);

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "platform/ComPtr.h"
 #include "platform/TypeDescription.h"
 
 namespace nvdl::latebound {
@@ -51,32 +52,27 @@ HRESULT call(IDispatch* object, DISPID id, VARIANT* result) {
 
 namespace nvdl {
 
-HRESULT putModifiedThroughFirst(IDispatch* parent, std::initializer_list<IID> kinds, SHORT flag) {
+HRESULT putModifiedThroughFirst(IDispatch* parent, std::span<const IID> kinds, SHORT flag) {
     if (!parent) return E_POINTER;
     for (const IID& kind : kinds) {
-        IDispatch* asKind = nullptr;
-        if (FAILED(parent->QueryInterface(kind, reinterpret_cast<void**>(&asKind))) || !asKind) continue;
-        ITypeLib* library = nullptr;
-        ITypeInfo* info = nullptr;
-        HRESULT h = LoadRegTypeLib(LIBID_NVDL, 1, 0, 0, &library);
-        if (SUCCEEDED(h)) h = library->GetTypeInfoOfGuid(kind, &info);
-        if (SUCCEEDED(h)) {
-            static const OLECHAR kModified[] = u"Modified";
-            OLECHAR* names[] = {const_cast<OLECHAR*>(kModified)};
-            MEMBERID id;
-            h = info->GetIDsOfNames(names, 1, &id);
-            if (SUCCEEDED(h)) {
-                VARIANT value;
-                VariantInit(&value);
-                value.vt = VT_I2;
-                value.iVal = flag;
-                DISPID named = DISPID_PROPERTYPUT;
-                DISPPARAMS params{&value, &named, 1, 1};
-                h = info->Invoke(asKind, id, DISPATCH_PROPERTYPUT, &params, nullptr, nullptr, nullptr);
-            }
+        ComPtr<IDispatch> asKind;
+        if (FAILED(parent->QueryInterface(kind, asKind.outVoid())) || !asKind) continue;
+        DISPID id;
+        HRESULT h = latebound::memberId(asKind.get(), u"Modified", &id);
+        if (FAILED(h)) return h;
+        // Invoke would clear the thread's error record: the member is called through the parent's
+        // type description instead when it has one, else through Invoke.
+        ComPtr<ITypeInfo> info;
+        if (SUCCEEDED(asKind->GetTypeInfo(0, 0, info.out())) && info) {
+            VARIANT value;
+            VariantInit(&value);
+            value.vt = VT_I2;
+            value.iVal = flag;
+            DISPID named = DISPID_PROPERTYPUT;
+            DISPPARAMS params{&value, &named, 1, 1};
+            return info->Invoke(asKind.get(), id, DISPATCH_PROPERTYPUT, &params, nullptr, nullptr, nullptr);
         }
-        asKind->Release();
-        return h;
+        return latebound::put(asKind.get(), id, Variant::fromShort(flag));
     }
     return S_OK;
 }

@@ -1,6 +1,7 @@
 // Calls on objects whose class is not known here, by member name, as a client would make them.
 #pragma once
 
+#include <span>
 #include <string_view>
 
 #include "nvdl/Dispatch.h"
@@ -21,7 +22,8 @@ HRESULT call(IDispatch* object, DISPID id, VARIANT* result);
 namespace nvdl {
 
 // Passes a set Modified flag upwards: the parent is asked for each interface in turn, and the
-// first one it answers to has its Modified put called directly (the thread's error record stays).
-HRESULT putModifiedThroughFirst(IDispatch* parent, std::initializer_list<IID> kinds, SHORT flag);
+// first one it answers to has its Modified property put through its own IDispatch, so that a parent
+// of any server receives it (the thread's error record stays). A parent of no listed kind ends the climb.
+HRESULT putModifiedThroughFirst(IDispatch* parent, std::span<const IID> kinds, SHORT flag);
 
 }  // namespace nvdl

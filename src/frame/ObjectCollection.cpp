@@ -19,21 +19,13 @@ namespace nvdl {
 
 namespace {
 
+// The collection members under the first collection interface's name; the others are aliases.
 const InterfaceDescription& describeCollection() {
-    static const InterfaceDescription& d = MemberTable<ICollection>(IID_IParameters, "IParameters")
-                                               .propget<&ICollection::get_Count>("Count")
-                                               .method<&ICollection::Add>("Add", {"item", optional("key"), optional("before"), optional("after")})
-                                               .method<&ICollection::Item>("Item", {"key"})
-                                               .id(DISPID_VALUE)
-                                               .propget<&ICollection::get__NewEnum>("_NewEnum")
-                                               .id(DISPID_NEWENUM)
-                                               .hidden()
-                                               .method<&ICollection::Remove>("Remove", {"key"})
-                                               .method<&ICollection::Clear>("Clear")
-                                               .method<&ICollection::Clone>("Clone")
-                                               .propget<&ICollection::get_Name>("Name")
-                                               .propput<&ICollection::put_Name>("Name")
-                                               .build();
+    static const InterfaceDescription& d = [] () -> const InterfaceDescription& {
+        MemberTable<ICollection> table(IID_IParameters, "IParameters");
+        ICollection::describeMembers(table);
+        return table.build();
+    }();
     return d;
 }
 

@@ -18,7 +18,7 @@ struct CCollectionEntry {
     IDispatch* m_pItem = nullptr;  // one counted reference
 };
 
-class CObjectCollection final : public CObjectFrame<ICollection> {
+class CObjectCollection final : public CObjectFrame<CObjectCollection, ICollection> {
 public:
     // An embedded collection: its reference operations go to its owner once it has one.
     explicit CObjectCollection(const IID& iid);
@@ -27,15 +27,7 @@ public:
     ULONG AddRef() override;
     ULONG Release() override;
 
-    HRESULT get_Count(LONG* count) override;
-    HRESULT Add(IDispatch* item, VARIANT* key, VARIANT* before, VARIANT* after, LONG* index) override;
-    HRESULT Item(VARIANT key, IDispatch** item) override;
-    HRESULT get__NewEnum(IUnknown** enumerator) override;
-    HRESULT Remove(VARIANT key) override;
-    HRESULT Clear() override;
-    HRESULT Clone(ICollection** copy) override;
-    HRESULT get_Name(BSTR* name) override;
-    HRESULT put_Name(BSTR name) override;
+    NVDL_IMPLEMENTS(NVDL_ICOLLECTION_MEMBERS)
 
     // For the owner.
     void SetOwner(IDispatch* owner);

@@ -1,8 +1,8 @@
 // The frame every model class derives from: reference counting, QueryInterface, the cached type
 // description and late binding, and the one road of a failure message.
 //
-// A class names its main interface; the interface declares, in its slot order, the class's own
-// members including LoadTypeInfo, and its member table is registered under Interface::iid.
+// A class names itself and its main interface; the interface's member list (nvdl/Members.h) gives
+// its slots and its member table, registered under Interface::iid when the class is first used.
 #pragma once
 
 #include <string_view>
@@ -12,7 +12,11 @@
 #include "frame/PropertyAccess.h"
 #include "frame/Resources.h"
 #include "nvdl/ErrorInfo.h"
+#include "platform/ComPtr.h"
+#include "platform/DebugTrace.h"
+#include "platform/MemberTable.h"
 #include "platform/TypeDescription.h"
+#include "frame/LateBound.h"
 
 namespace nvdl {
 
@@ -21,7 +25,12 @@ bool raiseError(const IID& iid, std::string_view message, std::string_view sourc
 // The message of a put by name that found no property put: the name and " does not have property put.".
 std::string noPropertyPutMessage(BSTR name);
 
-template <class Interface>
+// Derived names itself for the frame's shared members:
+//   static constexpr const char* kClassName = "CParameter";          (trace lines)
+//   static constexpr IID kModifiedParents[] = {IID_IMeasurement, ...}; (the Modified climb, in order)
+//   static HRESULT Copy(Interface* source, Interface* target);         (Copy and Clone)
+//   a default constructor reachable by the frame                       (Clone)
+template <class Derived, class Interface>
 class CObjectFrame : public Interface, public CFrameBase {
 public:
     HRESULT QueryInterface(REFIID riid, void** ppv) override {
@@ -64,15 +73,21 @@ public:
         if (HRESULT h = ensureTypeInfo(lcid); FAILED(h)) return h;
         return m_pTypeInfo->GetIDsOfNames(names, count, ids);
     }
+    // No exception leaves a call: the members' thunks turn them into status codes, and so does this
+    // border for whatever happens around them.
     HRESULT Invoke(DISPID id, REFIID riid, LCID lcid, WORD flags, DISPPARAMS* params, VARIANT* result,
                    EXCEPINFO* excep, unsigned* argErr) override {
         if (riid != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
-        if (HRESULT h = ensureTypeInfo(lcid); FAILED(h)) return h;
-        clearErrorInfo();  // what the client reads after this call is from this call
-        return m_pTypeInfo->Invoke(static_cast<Interface*>(this), id, flags, params, result, excep, argErr);
+        try {
+            if (HRESULT h = ensureTypeInfo(lcid); FAILED(h)) return h;
+            clearErrorInfo();  // what the client reads after this call is from this call
+            return m_pTypeInfo->Invoke(static_cast<Interface*>(this), id, flags, params, result, excep, argErr);
+        } catch (...) {
+            return detail::failureOfException(*m_pIID);
+        }
     }
     // Opens the type library anew and takes the description of the object's own interface.
-    HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) override {
+    HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) {
         if (!info) return E_POINTER;
         *info = nullptr;
         ITypeLib* library = nullptr;
@@ -83,11 +98,66 @@ public:
         return h;
     }
 
+    // The members that every class of the model shares. Each one takes the slot of the same name in
+    // the interface when the interface's list marks it as a frame member.
+
+    HRESULT get_Parent(IDispatch** parent) { return giveParent(parent); }
+    HRESULT put_Parent(IDispatch* parent) {
+        m_parent.set(parent);
+        return S_OK;
+    }
+    // The setup family calls its back reference Setup.
+    HRESULT get_Setup(IDispatch** setup) { return giveParent(setup); }
+    HRESULT put_Setup(IDispatch* setup) { return put_Parent(setup); }
+
+    HRESULT get_Modified(SHORT* modified) {
+        if (!modified) return E_POINTER;
+        *modified = m_modified;
+        return S_OK;
+    }
+    // Stores the flag; a set flag climbs to the parent, a cleared one stays here. A failure on the
+    // way up is not the caller's concern.
+    HRESULT put_Modified(SHORT modified) {
+        m_modified = modified;
+        if (modified) UpdateParentModifiedFlag(modified);
+        return S_OK;
+    }
+
+    // Copy and Clone go through the class's Copy(source, target); a class whose Copy and Clone are
+    // its own overrides these and never reaches the other branch.
+    HRESULT Copy(Interface* target) {
+        if (!target) return E_POINTER;
+        if constexpr (kCopies) return Derived::Copy(static_cast<Interface*>(this), target);
+        else return E_NOTIMPL;
+    }
+    // A new object of the class with this one's properties, through its public setters; no parent
+    // unless the copy gives one.
+    HRESULT Clone(Interface** copy) {
+        if (!copy) return E_POINTER;
+        *copy = nullptr;
+        if constexpr (kCopies && requires { new Derived; }) {
+            auto* fresh = new Derived;
+            Derived::Copy(static_cast<Interface*>(this), static_cast<Interface*>(fresh));
+            *copy = fresh;
+            return S_OK;
+        } else {
+            return E_NOTIMPL;
+        }
+    }
+
+    HRESULT get_Property(BSTR name, BSTR* value) { return getPropertyByName(name, value); }
+    HRESULT put_Property(BSTR name, BSTR value) { return putPropertyByName(name, value); }
+    HRESULT get_PropertiesCount(LONG* count) { return countProperties(count); }
+    HRESULT get_PropertyName(LONG index, BSTR* name) { return nameOfProperty(index, name); }
+
     const IID& mainInterface() const { return *m_pIID; }
     IDispatch* dispatch() { return static_cast<Interface*>(this); }
 
 protected:
-    explicit CObjectFrame(const IID& iid) : m_pIID(&iid) { ++g_nObjects; }
+    explicit CObjectFrame(const IID& iid) : m_pIID(&iid) {
+        if constexpr (requires { Interface::interfaceName; }) (void)s_description;
+        ++g_nObjects;
+    }
     ~CObjectFrame() override {
         if (m_pTypeInfo) m_pTypeInfo->Release();
         --g_nObjects;
@@ -106,6 +176,44 @@ protected:
 
     bool RaiseException(std::string_view message, std::string_view source) {
         return raiseError(*m_pIID, message, source);
+    }
+
+    // The parent if it lives, counted; a dead one is cleared and answered E_POINTER.
+    HRESULT giveParent(IDispatch** parent) {
+        if (!parent) return E_POINTER;
+        *parent = nullptr;
+        switch (m_parent.check()) {
+            case WeakParent::State::None:
+                if constexpr (requires { Derived::kClassName; })
+                    DebugTrace((std::string(Derived::kClassName) + "::get_Parent - parent pointer is NULL").c_str());
+                return S_OK;
+            case WeakParent::State::Dead: return E_POINTER;
+            case WeakParent::State::Alive: break;
+        }
+        *parent = m_parent.get();
+        (*parent)->AddRef();
+        return S_OK;
+    }
+
+    // Passes a set flag to the parent, found through the object's own get_Parent (or get_Setup):
+    // the first of the class's parent kinds that the parent answers to has its Modified put.
+    HRESULT UpdateParentModifiedFlag(SHORT flag) {
+        if constexpr (requires { Derived::kModifiedParents; }) {
+            if (!flag) return S_OK;
+            ComPtr<IDispatch> parent;
+            HRESULT h;
+            if constexpr (requires(Interface* i, IDispatch** p) { i->get_Parent(p); })
+                h = static_cast<Interface*>(this)->get_Parent(parent.out());
+            else if constexpr (requires(Interface* i, IDispatch** p) { i->get_Setup(p); })
+                h = static_cast<Interface*>(this)->get_Setup(parent.out());
+            else
+                h = giveParent(parent.out());
+            if (FAILED(h) || !parent) return S_OK;
+            return putModifiedThroughFirst(parent.get(), Derived::kModifiedParents, flag);
+        } else {
+            (void)flag;
+            return S_OK;
+        }
     }
 
     // Property access by name over the class's own description, for get_Property, put_Property,
@@ -133,10 +241,21 @@ protected:
         if (HRESULT h = ensureTypeInfo(LOCALE_USER_DEFAULT); FAILED(h)) return h;
         return propertyName(m_pTypeInfo, index, name);
     }
+    // The value of the property at a place of the walk, as text.
+    HRESULT GetPropertyByIndex(LONG index, BSTR* value) {
+        if (HRESULT h = ensureTypeInfo(LOCALE_USER_DEFAULT); FAILED(h)) return h;
+        return propertyTextByIndex(dispatch(), m_pTypeInfo, index, value);
+    }
 
     ULONG m_cRef = 1;
     ITypeInfo* m_pTypeInfo = nullptr;
     const IID* m_pIID;
+    SHORT m_modified = 0;
+    WeakParent m_parent;
+
+private:
+    static constexpr bool kCopies = requires(Interface* a) { Derived::Copy(a, a); };
+    static inline const InterfaceDescription& s_description = describeInterface<Interface>();
 };
 
 }  // namespace nvdl

@@ -155,3 +155,17 @@ HRESULT propertyName(ITypeInfo* info, LONG index, BSTR* name) {
 }
 
 }  // namespace nvdl
+
+namespace nvdl {
+
+HRESULT propertyTextByIndex(IDispatch* self, ITypeInfo* info, LONG index, BSTR* value) {
+    if (!value) return E_POINTER;
+    LONG count = 0;
+    if (HRESULT h = propertiesCount(info, &count); FAILED(h)) return h;
+    if (index < 0 || index >= count) return E_INVALIDARG;
+    Bstr name;
+    if (HRESULT h = propertyName(info, index, name.out()); FAILED(h)) return h;
+    return getPropertyText(self, info, name.get(), value);
+}
+
+}  // namespace nvdl

@@ -21,5 +21,7 @@ bool isWalkedProperty(const FUNCDESC& f);
 HRESULT propertiesCount(ITypeInfo* info, LONG* count);
 // Outside 0 to count minus 1 the answer is S_OK and the output is left untouched.
 HRESULT propertyName(ITypeInfo* info, LONG index, BSTR* name);
+// The value, as text, of the property at a place of the walk; E_INVALIDARG outside it.
+HRESULT propertyTextByIndex(IDispatch* self, ITypeInfo* info, LONG index, BSTR* value);
 
 }  // namespace nvdl

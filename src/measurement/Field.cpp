@@ -12,26 +12,6 @@
 
 namespace nvdl {
 
-namespace {
-
-const InterfaceDescription& g_fieldDescription = MemberTable<IField>(IID_IField, "IField")
-                                                     .propget<&IField::get_Name>("Name")
-                                                     .propget<&IField::get_Value>("Value")
-                                                     .propput<&IField::put_Value>("Value")
-                                                     .propput<&IField::put_Parent>("Parent")
-                                                     .propget<&IField::get_Parent>("Parent")
-                                                     .build();
-
-const InterfaceDescription& g_fieldsDescription = MemberTable<IFields>(IID_IFields, "IFields")
-                                                      .propget<&IFields::get_Count>("Count")
-                                                      .propget<&IFields::get_Item>("Item", VT_EMPTY, {"index"})
-                                                      .id(DISPID_VALUE)
-                                                      .propget<&IFields::get__NewEnum>("_NewEnum")
-                                                      .id(DISPID_NEWENUM)
-                                                      .hidden()
-                                                      .build();
-
-}  // namespace
 
 CField::CField(IDispatch* owner, const IID& ownerInterface, std::string name)
     : CObjectFrame(IID_IField), m_name(std::move(name)), m_owner(owner), m_ownerInterface(ownerInterface) {
@@ -103,7 +83,7 @@ HRESULT CField::put_Value(BSTR value) {
     if (m_valueType == VT_VARIANT) converted = text;
     else if (FAILED(VariantChangeType(&converted, &text, 0, m_valueType))) return E_FAIL;
     if (FAILED(latebound::put(m_owner, m_dispid, converted))) return E_FAIL;
-    putModifiedThroughFirst(m_owner, {IID_IMeasurement}, VARIANT_TRUE);
+    putModifiedThroughFirst(m_owner, kModifiedParents, VARIANT_TRUE);
     return S_OK;
 }
 

@@ -10,17 +10,15 @@
 
 namespace nvdl {
 
-class CField final : public CObjectFrame<IField> {
+class CField final : public CObjectFrame<CField, IField> {
 public:
+    static constexpr IID kModifiedParents[] = {IID_IMeasurement, IID_ISetup, IID_ISaving};
+
     // A field of `owner` (counted) for the property `name` of the owner's interface `ownerInterface`.
     static CField* create(IDispatch* owner, const IID& ownerInterface, std::string name);
     ~CField() override;
 
-    HRESULT get_Name(BSTR* name) override;
-    HRESULT get_Value(BSTR* value) override;
-    HRESULT put_Value(BSTR value) override;
-    HRESULT put_Parent(IDispatch* parent) override;
-    HRESULT get_Parent(IDispatch** parent) override;
+    NVDL_IMPLEMENTS(NVDL_IFIELD_MEMBERS)
 
 private:
     CField(IDispatch* owner, const IID& ownerInterface, std::string name);
@@ -36,13 +34,11 @@ private:
     VARTYPE m_valueType = VT_UNKNOWN;  // unresolved until the first put
 };
 
-class CFields final : public CObjectFrame<IFields> {
+class CFields final : public CObjectFrame<CFields, IFields> {
 public:
     static CFields* create();
 
-    HRESULT get_Count(LONG* count) override;
-    HRESULT get_Item(VARIANT index, IField** field) override;
-    HRESULT get__NewEnum(IUnknown** enumerator) override;
+    NVDL_IMPLEMENTS(NVDL_IFIELDS_MEMBERS)
 
     void SetOwner(IDispatch* owner);
     void SetInterface(const GUID& ownerInterface) { m_ownerInterface = ownerInterface; }

@@ -39,6 +39,7 @@ constexpr IID IID_CMeasurementImpl{0x7c1e2f90, 0x5a3b, 0x4d21, {0x8e, 0x44, 0x10
 }  // namespace
 
 CMeasurement::CMeasurement(bool sized) : CObjectFrame(IID_IMeasurement) {
+    m_modified = 1;  // a new measurement counts as unsaved
     m_parameters.SetOwner(dispatch());
     m_parameters.SetItemClass(CLSID_CParameter);
     m_measurements.SetOwner(dispatch());
@@ -182,27 +183,14 @@ HRESULT CMeasurement::put_Tag(BSTR v) { return setText(m_tag, v); }
 
 // Modified and parent.
 
-HRESULT CMeasurement::get_Modified(SHORT* v) {
-    if (!v) return E_POINTER;
-    *v = static_cast<SHORT>(m_modified);
-    return S_OK;
-}
-
 HRESULT CMeasurement::put_Modified(SHORT v) {
     m_modified = v;
-    if (v) UpdateParentModifiedFlag(v);
-    return S_OK;
-}
-
-HRESULT CMeasurement::UpdateParentModifiedFlag(SHORT flag) {
-    IDispatch* parent = m_parent.get();
-    if (!parent) return S_OK;
-    HRESULT h = putModifiedThroughFirst(parent, {IID_IWorkspace}, flag);
-    if (FAILED(h)) {
+    // A parent that refuses the flag is let go, and the link name with it.
+    if (v && FAILED(UpdateParentModifiedFlag(v))) {
         m_parent.clear();
         m_linkName.clear();
     }
-    return h;
+    return S_OK;
 }
 
 HRESULT CMeasurement::get_Parent(IDispatch** v) {

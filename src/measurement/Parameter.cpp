@@ -3,32 +3,13 @@
 #include <algorithm>
 
 #include "frame/ClassTable.h"
-#include "frame/LateBound.h"
 #include "frame/Resources.h"
 #include "frame/TextChecks.h"
 #include "platform/DebugTrace.h"
-#include "platform/MemberTable.h"
 
 namespace nvdl {
 
 namespace {
-
-const InterfaceDescription& describeIParameter() {
-    static const InterfaceDescription& d = MemberTable<IParameter>(IID_IParameter, "IParameter")
-                                               .propput<&IParameter::put_Name>("Name")
-                                               .propget<&IParameter::get_Name>("Name")
-                                               .propget<&IParameter::get_Value>("Value")
-                                               .propput<&IParameter::put_Value>("Value")
-                                               .method<&IParameter::Copy>("Copy", {"target"})
-                                               .propget<&IParameter::get_Modified>("Modified")
-                                               .propput<&IParameter::put_Modified>("Modified")
-                                               .propget<&IParameter::get_Parent>("Parent")
-                                               .propput<&IParameter::put_Parent>("Parent")
-                                               .method<&IParameter::Clone>("Clone")
-                                               .build();
-    return d;
-}
-const InterfaceDescription& g_description = describeIParameter();
 
 const ClassRegistration g_class{{"nv_bench.parameter", CLSID_CParameter, "Sonvara Parameter", &CParameter::create}};
 
@@ -54,7 +35,7 @@ HRESULT CParameter::put_Name(BSTR name) {
         return E_FAIL;
     }
     m_name = bstrToAnsi(name);
-    return put_Modified(1);
+    return static_cast<IParameter*>(this)->put_Modified(1);
 }
 
 HRESULT CParameter::get_Name(BSTR* name) {
@@ -71,12 +52,7 @@ HRESULT CParameter::get_Value(BSTR* value) {
 
 HRESULT CParameter::put_Value(BSTR value) {
     m_value = bstrToAnsi(value);
-    return put_Modified(1);
-}
-
-HRESULT CParameter::Copy(IParameter* target) {
-    if (!target) return E_POINTER;
-    return Copy(this, target);
+    return static_cast<IParameter*>(this)->put_Modified(1);
 }
 
 // Through the public setters, in the order of the properties; string reads that give nothing are
@@ -87,54 +63,6 @@ HRESULT CParameter::Copy(IParameter* source, IParameter* target) {
     if (SUCCEEDED(source->get_Value(text.out())) && text.get()) target->put_Value(text.get());
     SHORT modified = 0;
     if (SUCCEEDED(source->get_Modified(&modified))) target->put_Modified(modified);
-    return S_OK;
-}
-
-HRESULT CParameter::get_Modified(SHORT* modified) {
-    if (!modified) return E_POINTER;
-    *modified = static_cast<SHORT>(m_modified);
-    return S_OK;
-}
-
-HRESULT CParameter::put_Modified(SHORT modified) {
-    m_modified = modified;
-    if (m_modified) UpdateParentModifiedFlag(modified);
-    return S_OK;
-}
-
-HRESULT CParameter::UpdateParentModifiedFlag(SHORT flag) {
-    if (!flag) return S_OK;
-    IDispatch* parent = nullptr;
-    if (FAILED(get_Parent(&parent)) || !parent) return S_OK;
-    HRESULT h = putModifiedThroughFirst(parent, {IID_IMeasurement, IID_IMode, IID_ISetup, IID_ISaving}, flag);
-    parent->Release();
-    return h;
-}
-
-HRESULT CParameter::get_Parent(IDispatch** parent) {
-    if (!parent) return E_POINTER;
-    *parent = nullptr;
-    switch (m_parent.check()) {
-        case WeakParent::State::None: DebugTrace("CParameter::get_Parent - parent pointer is NULL"); return S_OK;
-        case WeakParent::State::Dead: return E_POINTER;
-        case WeakParent::State::Alive: break;
-    }
-    *parent = m_parent.get();
-    (*parent)->AddRef();
-    return S_OK;
-}
-
-HRESULT CParameter::put_Parent(IDispatch* parent) {
-    m_parent.set(parent);
-    return S_OK;
-}
-
-HRESULT CParameter::Clone(IParameter** copy) {
-    if (!copy) return E_POINTER;
-    *copy = nullptr;
-    auto* fresh = new CParameter;
-    Copy(this, fresh);
-    *copy = fresh;
     return S_OK;
 }
 

@@ -33,34 +33,27 @@ private:
     CParameter& m_owner;
 };
 
-class CParameter final : public CObjectFrame<IParameter> {
+class CParameter final : public CObjectFrame<CParameter, IParameter> {
 public:
-    static IDispatch* create();
+    static constexpr const char* kClassName = "CParameter";
+    static constexpr IID kModifiedParents[] = {IID_IMeasurement, IID_IMode, IID_ISetup, IID_ISaving};
 
-    HRESULT put_Name(BSTR name) override;
-    HRESULT get_Name(BSTR* name) override;
-    HRESULT get_Value(BSTR* value) override;
-    HRESULT put_Value(BSTR value) override;
-    HRESULT Copy(IParameter* target) override;
-    HRESULT get_Modified(SHORT* modified) override;
-    HRESULT put_Modified(SHORT modified) override;
-    HRESULT get_Parent(IDispatch** parent) override;
-    HRESULT put_Parent(IDispatch* parent) override;
-    HRESULT Clone(IParameter** copy) override;
+    static IDispatch* create();
+    CParameter();
+
+    NVDL_IMPLEMENTS(NVDL_IPARAMETER_MEMBERS)
+
+    // Through the public setters, in the order of the properties.
+    static HRESULT Copy(IParameter* source, IParameter* target);
 
 private:
     friend class CParameterPersistStream;
-    CParameter();
 
     HRESULT queryCompanion(REFIID riid, void** ppv) override;
-    HRESULT UpdateParentModifiedFlag(SHORT flag);
-    static HRESULT Copy(IParameter* source, IParameter* target);
 
     CParameterPersistStream m_persist{*this};
     std::string m_name;
     std::string m_value;
-    LONG m_modified = 0;
-    WeakParent m_parent;
 };
 
 }  // namespace nvdl

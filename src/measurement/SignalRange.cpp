@@ -9,42 +9,6 @@ namespace nvdl {
 
 namespace {
 
-const InterfaceDescription& describeISignalRange() {
-    static const InterfaceDescription& d =
-        MemberTable<ISignalRange>(IID_ISignalRange, "ISignalRange")
-            .propget<&ISignalRange::get_Min>("Min")
-            .propput<&ISignalRange::put_Min>("Min")
-            .propget<&ISignalRange::get_Max>("Max")
-            .propput<&ISignalRange::put_Max>("Max")
-            .propget<&ISignalRange::get_OverallMin>("OverallMin")
-            .propput<&ISignalRange::put_OverallMin>("OverallMin")
-            .propget<&ISignalRange::get_OverallMax>("OverallMax")
-            .propput<&ISignalRange::put_OverallMax>("OverallMax")
-            .propget<&ISignalRange::get_Mean>("Mean")
-            .propput<&ISignalRange::put_Mean>("Mean")
-            .propget<&ISignalRange::get_Rms>("Rms")
-            .propput<&ISignalRange::put_Rms>("Rms")
-            .propget<&ISignalRange::get_StandardDeviation>("StandardDeviation")
-            .propput<&ISignalRange::put_StandardDeviation>("StandardDeviation")
-            .propget<&ISignalRange::get_Factor>("Factor")
-            .propput<&ISignalRange::put_Factor>("Factor")
-            .propget<&ISignalRange::get_UnitOffset>("UnitOffset")
-            .propput<&ISignalRange::put_UnitOffset>("UnitOffset")
-            .propget<&ISignalRange::get_Range>("Range")
-            .propput<&ISignalRange::put_Range>("Range")
-            .method<&ISignalRange::Copy>("Copy", {"target"})
-            .propget<&ISignalRange::get_Modified>("Modified")
-            .propput<&ISignalRange::put_Modified>("Modified")
-            .propget<&ISignalRange::get_Measurement>("Measurement")
-            .propput<&ISignalRange::put_Measurement>("Measurement")
-            .method<&ISignalRange::Clone>("Clone")
-            .propget<&ISignalRange::get_Property>("Property", VT_EMPTY, {"name"})
-            .propput<&ISignalRange::put_Property>("Property", VT_EMPTY, {"name"})
-            .build();
-    return d;
-}
-const InterfaceDescription& g_description = describeISignalRange();
-
 template <class T>
 HRESULT give(T value, T* out) {
     if (!out) return E_POINTER;
@@ -108,13 +72,12 @@ HRESULT CSignalRange::put_Range(float v) {
     return put_Modified(-1);
 }
 
-HRESULT CSignalRange::get_Modified(SHORT* v) { return give(m_modified, v); }
 
 // The flag is stored whatever the owner makes of it; only a set flag travels to the owner.
 HRESULT CSignalRange::put_Modified(SHORT v) {
     m_modified = v;
     if (!v) return S_OK;
-    if (IDispatch* owner = m_owner.get()) putModifiedThroughFirst(owner, {IID_IMeasurement}, v);
+    if (IDispatch* owner = m_owner.get()) putModifiedThroughFirst(owner, kModifiedParents, v);
     return S_OK;
 }
 
@@ -187,8 +150,6 @@ HRESULT CSignalRange::Clone(ISignalRange** copy) {
     return S_OK;
 }
 
-HRESULT CSignalRange::get_Property(BSTR name, BSTR* value) { return getPropertyByName(name, value); }
 
-HRESULT CSignalRange::put_Property(BSTR name, BSTR value) { return putPropertyByName(name, value); }
 
 }  // namespace nvdl

@@ -12,8 +12,10 @@
 
 namespace nvdl {
 
-class CSignalRange final : public CObjectFrame<ISignalRange> {
+class CSignalRange final : public CObjectFrame<CSignalRange, ISignalRange> {
 public:
+    static constexpr IID kModifiedParents[] = {IID_IMeasurement};
+
     // A range for embedding in its owner; until SetOwner it has no owner and is never freed by Release.
     CSignalRange();
     ~CSignalRange() override = default;
@@ -24,34 +26,7 @@ public:
     ULONG AddRef() override;
     ULONG Release() override;
 
-    HRESULT get_Min(double* v) override;
-    HRESULT put_Min(double v) override;
-    HRESULT get_Max(double* v) override;
-    HRESULT put_Max(double v) override;
-    HRESULT get_OverallMin(double* v) override;
-    HRESULT put_OverallMin(double v) override;
-    HRESULT get_OverallMax(double* v) override;
-    HRESULT put_OverallMax(double v) override;
-    HRESULT get_Mean(double* v) override;
-    HRESULT put_Mean(double v) override;
-    HRESULT get_Rms(double* v) override;
-    HRESULT put_Rms(double v) override;
-    HRESULT get_StandardDeviation(double* v) override;
-    HRESULT put_StandardDeviation(double v) override;
-    HRESULT get_Factor(double* v) override;
-    HRESULT put_Factor(double v) override;
-    HRESULT get_UnitOffset(double* v) override;
-    HRESULT put_UnitOffset(double v) override;
-    HRESULT get_Range(float* v) override;
-    HRESULT put_Range(float v) override;
-    HRESULT Copy(ISignalRange* target) override;
-    HRESULT get_Modified(SHORT* v) override;
-    HRESULT put_Modified(SHORT v) override;
-    HRESULT get_Measurement(IDispatch** v) override;
-    HRESULT put_Measurement(IDispatch* v) override;
-    HRESULT Clone(ISignalRange** copy) override;
-    HRESULT get_Property(BSTR name, BSTR* value) override;
-    HRESULT put_Property(BSTR name, BSTR value) override;
+    NVDL_IMPLEMENTS(NVDL_ISIGNALRANGE_MEMBERS)
 
     // For the embedding measurement: the object the range lives in and reports to. Not counted.
     // The reference operations follow this object for the range's whole life; put_Measurement
@@ -70,7 +45,6 @@ private:
 
     bool m_detached = false;
     IDispatch* m_host = nullptr;  // the embedding object, while there is one
-    SHORT m_modified = 0;
     WeakParent m_owner;
     double m_min = 0.0;
     double m_max = 0.0;

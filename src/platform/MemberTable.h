@@ -1,18 +1,13 @@
-// Builds the member table of an interface from its member-function pointers, so that each member is
-// declared once: its parameter types, directions and the code that unpacks a late-bound call into a
-// direct call all follow from the C++ signature.
-//
-//   static const InterfaceDescription& d = MemberTable<IParameter>(IID_IParameter, "IParameter")
-//       .propput<&IParameter::put_Name>("Name")
-//       .propget<&IParameter::get_Name>("Name")
-//       .method<&IParameter::Copy>("Copy", {"target"})
-//       .build();
+// Builds the member table of an interface from its member list, so that each member is declared
+// once: its parameter names, types, directions and the code that unpacks a late-bound call into a
+// direct call all follow from the C++ signature written in the list; marks add what C++ cannot say
+// (optional parameters, BOOL and DATE values, hidden members, fixed member numbers).
 //
 // Members that share a name (the get and put halves of a property) share a member number; numbers
 // are given in order of first appearance from 1, unless a member names its own (DISPID_NEWENUM, ...).
 // Pointer parameters to a value type are outputs; the last output of a get or a method is its return
-// value. VARIANT* is an input unless marked out(), or it is the last parameter of a get. SHORT and double parameters are declared I2 and R8
-// unless declaredAs() says BOOL or DATE.
+// value. VARIANT* is an input unless marked out(), or it is the last parameter of a get. SHORT and
+// double parameters are declared I2 and R8 unless marked as BOOL or DATE.
 #pragma once
 
 #include <initializer_list>
@@ -20,33 +15,10 @@
 #include <type_traits>
 #include <utility>
 
+#include "nvdl/Members.h"
 #include "platform/TypeDescription.h"
 
 namespace nvdl {
-
-// A parameter's name with its marks.
-struct Param {
-    Param(const char* n) : name(n) {}  // NOLINT: a plain name is the common case
-    const char* name;
-    bool optional = false;
-    bool output = false;
-    VARTYPE declared = VT_EMPTY;
-};
-inline Param optional(const char* name) {
-    Param p(name);
-    p.optional = true;
-    return p;
-}
-inline Param out(const char* name) {
-    Param p(name);
-    p.output = true;
-    return p;
-}
-inline Param declaredAs(const char* name, VARTYPE vt) {
-    Param p(name);
-    p.declared = vt;
-    return p;
-}
 
 namespace detail {
 
@@ -71,6 +43,9 @@ struct OutBase {
     }
 };
 
+// What a member that let an exception out answers: E_OUTOFMEMORY for a failed allocation, else
+// E_FAIL with the exception's text in the thread's error record.
+HRESULT failureOfException(const IID& iid) noexcept;
 HRESULT loadConverted(const VARIANT* in, VARTYPE vt, Variant& holder);
 HRESULT loadObject(const VARIANT* in, const IID& iid, void** object);
 void storeValue(VARIANT* dest, VARIANT& value);  // moves value into dest (clearing dest first)
@@ -269,7 +244,11 @@ struct Thunk<Method> {
     static constexpr std::size_t kArity = sizeof...(A);
 
     static HRESULT call(IDispatch* self, const MemberEntry& entry, CallFrame& frame) {
-        return callWith(self, entry, frame, std::index_sequence_for<A...>{});
+        try {
+            return callWith(self, entry, frame, std::index_sequence_for<A...>{});
+        } catch (...) {
+            return failureOfException(frame.iid);
+        }
     }
 
     template <std::size_t... N>
@@ -297,52 +276,20 @@ struct Thunk<Method> {
 };
 
 // Fills names, slots and the dispatch view of one entry from the signature.
-void describe(MemberEntry& entry, INVOKEKIND kind, const std::vector<SignatureItem>& signature,
-              std::initializer_list<Param> params, VARTYPE valueType);
+void describe(MemberEntry& entry, members::Kind kind, const std::vector<SignatureItem>& signature,
+              const char* parameters, std::initializer_list<members::Mark> marks);
 
 }  // namespace detail
 
+// Builds the table of one interface from its member list (nvdl/Members.h): each row names the
+// member function, its kind, its name and its parameter list as written in the list.
 template <class I>
 class MemberTable {
 public:
     MemberTable(const IID& iid, const char* name) : m_iid(iid), m_name(name) {}
 
     template <auto Method>
-    MemberTable& propget(const char* name, VARTYPE valueType = VT_EMPTY, std::initializer_list<Param> params = {}) {
-        return add<Method>(name, INVOKE_PROPERTYGET, params, valueType);
-    }
-    template <auto Method>
-    MemberTable& propput(const char* name, VARTYPE valueType = VT_EMPTY, std::initializer_list<Param> params = {}) {
-        return add<Method>(name, INVOKE_PROPERTYPUT, params, valueType);
-    }
-    template <auto Method>
-    MemberTable& propputref(const char* name, std::initializer_list<Param> params = {}) {
-        return add<Method>(name, INVOKE_PROPERTYPUTREF, params, VT_EMPTY);
-    }
-    template <auto Method>
-    MemberTable& method(const char* name, std::initializer_list<Param> params = {}) {
-        return add<Method>(name, INVOKE_FUNC, params, VT_EMPTY);
-    }
-    // Marks the last member hidden: walks over properties pass it by.
-    MemberTable& hidden() {
-        m_members.back().desc.wFuncFlags |= FUNCFLAG_FHIDDEN;
-        return *this;
-    }
-    // Gives the last member (and the other halves of its property) a fixed number instead of the next free one.
-    MemberTable& id(DISPID memid) {
-        std::string_view name = m_members.back().name;
-        for (MemberEntry& m : m_members)
-            if (name == m.name) m.memid = m.desc.memid = memid;
-        return *this;
-    }
-    // The finished description, registered in the type library.
-    const InterfaceDescription& build() {
-        return registerInterface(std::make_unique<InterfaceDescription>(m_iid, m_name, std::move(m_members)));
-    }
-
-private:
-    template <auto Method>
-    MemberTable& add(const char* name, INVOKEKIND kind, std::initializer_list<Param> params, VARTYPE valueType) {
+    void row(members::Kind kind, const char* name, const char* parameters, std::initializer_list<members::Mark> marks) {
         using T = detail::Thunk<Method>;
         static_assert(std::is_base_of_v<typename T::Interface, I> || std::is_same_v<typename T::Interface, I>,
                       "member of another interface");
@@ -350,14 +297,26 @@ private:
         entry.name = name;
         entry.memid = numberFor(name);
         entry.thunk = &T::call;
-        detail::describe(entry, kind, T::signature(), params, valueType);
+        detail::describe(entry, kind, T::signature(), parameters, marks);
+        if (entry.memid != entry.desc.memid) renumber(name, entry.desc.memid);
+        entry.memid = entry.desc.memid;
         m_members.push_back(std::move(entry));
-        return *this;
     }
+    // The finished description, registered in the type library.
+    const InterfaceDescription& build() {
+        return registerInterface(std::make_unique<InterfaceDescription>(m_iid, m_name, std::move(m_members)));
+    }
+
+private:
     MEMBERID numberFor(const char* name) {
         for (const MemberEntry& m : m_members)
             if (std::string_view(m.name) == name) return m.memid;
         return m_nextId++;
+    }
+    // A member with a fixed number gives it to the other halves of its property too.
+    void renumber(std::string_view name, MEMBERID memid) {
+        for (MemberEntry& m : m_members)
+            if (name == m.name) m.memid = m.desc.memid = memid;
     }
 
     IID m_iid;
@@ -365,5 +324,16 @@ private:
     std::vector<MemberEntry> m_members;
     MEMBERID m_nextId = 1;
 };
+
+// The description of an interface declared by NVDL_INTERFACE, built and registered on first use.
+template <class I>
+const InterfaceDescription& describeInterface() {
+    static const InterfaceDescription& description = [] () -> const InterfaceDescription& {
+        MemberTable<I> table(I::iid, I::interfaceName);
+        I::describeMembers(table);
+        return table.build();
+    }();
+    return description;
+}
 
 }  // namespace nvdl

@@ -1,5 +1,6 @@
 #include "platform/TypeDescription.h"
 
+#include <algorithm>
 #include <cctype>
 #include <unordered_map>
 
@@ -16,6 +17,12 @@ bool nameEquals(const OLECHAR* wide, const char* ascii) {
         if (std::tolower(static_cast<unsigned char>(w)) != std::tolower(static_cast<unsigned char>(ascii[i]))) return false;
     }
     return wide[i] == 0;
+}
+
+std::string foldedName(std::string_view name) {
+    std::string folded(name);
+    for (char& c : folded) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return folded;
 }
 
 bool kindAccepts(INVOKEKIND kind, WORD flags) {
@@ -39,7 +46,15 @@ InterfaceDescription::InterfaceDescription(const IID& iid, const char* name, std
     : m_name(name), m_members(std::move(members)) {
     m_attr.guid = iid;
     m_attr.cFuncs = static_cast<WORD>(m_members.size());
-    for (MemberEntry& m : m_members) m.desc.lprgelemdescParam = m.params.empty() ? nullptr : m.params.data();
+    for (MemberEntry& m : m_members) {
+        m.desc.lprgelemdescParam = m.params.empty() ? nullptr : m.params.data();
+        for (std::size_t i = 0; i < m.slots.size() && i < m.names.size(); ++i)
+            if (m.slots[i].role != SlotRole::Retval) m.params[m.slots[i].position].name = m.names[i].c_str();
+    }
+    // The name index: member names folded to lower case, sorted; the first member of a name wins.
+    for (std::size_t i = 0; i < m_members.size(); ++i) m_byName.emplace_back(foldedName(m_members[i].name), i);
+    std::stable_sort(m_byName.begin(), m_byName.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
 }
 
 HRESULT InterfaceDescription::QueryInterface(REFIID riid, void** ppv) {
@@ -86,12 +101,7 @@ HRESULT InterfaceDescription::GetIDsOfNames(OLECHAR** names, unsigned count, MEM
     if (!ids || (count && !names)) return E_POINTER;
     if (count == 0) return S_OK;
     for (unsigned i = 0; i < count; ++i) ids[i] = DISPID_UNKNOWN;
-    const MemberEntry* member = nullptr;
-    for (const MemberEntry& m : m_members)
-        if (nameEquals(names[0], m.name)) {
-            member = &m;
-            break;
-        }
+    const MemberEntry* member = findByName(names[0]);
     if (!member) return DISP_E_UNKNOWNNAME;
     ids[0] = member->memid;
     HRESULT result = S_OK;
@@ -101,6 +111,20 @@ HRESULT InterfaceDescription::GetIDsOfNames(OLECHAR** names, unsigned count, MEM
         if (ids[i] == DISPID_UNKNOWN) result = DISP_E_UNKNOWNNAME;
     }
     return result;
+}
+
+const MemberEntry* InterfaceDescription::findByName(const OLECHAR* name) const {
+    if (!name) return nullptr;
+    char folded[64];
+    std::size_t n = 0;
+    for (; name[n]; ++n) {
+        if (n == sizeof folded || name[n] > 0x7F) return nullptr;  // member names are short ASCII words
+        folded[n] = static_cast<char>(std::tolower(static_cast<unsigned char>(name[n])));
+    }
+    std::string_view key(folded, n);
+    auto it = std::lower_bound(m_byName.begin(), m_byName.end(), key,
+                               [](const auto& entry, std::string_view k) { return entry.first < k; });
+    return it != m_byName.end() && it->first == key ? &m_members[it->second] : nullptr;
 }
 
 const MemberEntry* InterfaceDescription::find(MEMBERID memid, WORD flags) const {
@@ -127,6 +151,7 @@ HRESULT InterfaceDescription::Invoke(IDispatch* instance, MEMBERID memid, WORD f
     const std::size_t declared = entry->params.size();
     if (params->cArgs > declared) return DISP_E_BADPARAMCOUNT;
     CallFrame frame;
+    frame.iid = m_attr.guid;
     frame.result = result;
     frame.params.resize(declared, nullptr);
     if (isPut) {
@@ -158,6 +183,7 @@ HRESULT InterfaceDescription::Invoke(IDispatch* instance, MEMBERID memid, WORD f
 HRESULT InterfaceDescription::invokeWithNullOutputs(IDispatch* instance, const MemberEntry& entry) const {
     static const Variant empty;
     CallFrame frame;
+    frame.iid = m_attr.guid;
     frame.nullOutputs = true;
     frame.params.assign(entry.params.size(), &empty);
     return entry.thunk(instance, entry, frame);

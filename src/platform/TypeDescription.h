@@ -29,6 +29,7 @@ struct CallFrame {
     VARIANT* result = nullptr;           // where the retval goes; may be null
     bool nullOutputs = false;            // pass null for every output (the frame's E_POINTER checks)
     unsigned argErr = 0;                 // the dispatch parameter that failed to convert
+    IID iid{};                           // the called interface, for the error record of a failure
 };
 
 using MemberThunk = HRESULT (*)(IDispatch* self, const MemberEntry& entry, CallFrame& frame);
@@ -39,6 +40,7 @@ struct MemberEntry {
     FUNCDESC desc;
     std::vector<PARAMDESC> params;  // dispatch view
     std::vector<ArgSlot> slots;     // one per C++ parameter
+    std::vector<std::string> names; // one per C++ parameter; the dispatch view points into them
     MemberThunk thunk = nullptr;
     bool hasRetval = false;
     bool hasOutputs = false;
@@ -71,10 +73,12 @@ public:
 
 private:
     const MemberEntry* find(MEMBERID memid, WORD flags) const;
+    const MemberEntry* findByName(const OLECHAR* name) const;
 
     const char* m_name;
     TYPEATTR m_attr;
     std::vector<MemberEntry> m_members;
+    std::vector<std::pair<std::string, std::size_t>> m_byName;
 };
 
 // Registers a description in the system's type library, under its interface identifier. The

@@ -37,48 +37,45 @@ HRESULT setValue(T& x, U v) {
 inline constexpr IID IID_ITestItem{0x1b2c3d4e, 0x0001, 0x4000, {0x80, 0, 0, 0, 0, 0, 0, 1}};
 inline constexpr IID IID_ITestOwner{0x1b2c3d4e, 0x0002, 0x4000, {0x80, 0, 0, 0, 0, 0, 0, 2}};
 
-struct ITestItem : IDispatch {
-    static constexpr const IID& iid = IID_ITestItem;
-    virtual HRESULT get_Name(BSTR* v) = 0;
-    virtual HRESULT put_Name(BSTR v) = 0;
-    virtual HRESULT get_Id(BSTR* v) = 0;
-    virtual HRESULT put_Id(BSTR v) = 0;
-    virtual HRESULT get_FullPathName(BSTR* v) = 0;
-    virtual HRESULT put_FullPathName(BSTR v) = 0;
-    virtual HRESULT get_Parent(IDispatch** v) = 0;
-    virtual HRESULT put_Parent(IDispatch* v) = 0;
-    virtual HRESULT get_Modified(SHORT* v) = 0;
-    virtual HRESULT put_Modified(SHORT v) = 0;
-    virtual HRESULT get_Count(LONG* v) = 0;
-    virtual HRESULT put_Count(LONG v) = 0;
-    virtual HRESULT get_Level(SHORT* v) = 0;
-    virtual HRESULT put_Level(SHORT v) = 0;
-    virtual HRESULT get_Gain(float* v) = 0;
-    virtual HRESULT put_Gain(float v) = 0;
-    virtual HRESULT get_Scale(double* v) = 0;
-    virtual HRESULT put_Scale(double v) = 0;
-    virtual HRESULT get_When(DATE* v) = 0;
-    virtual HRESULT put_When(DATE v) = 0;
-    virtual HRESULT get_Enabled(SHORT* v) = 0;
-    virtual HRESULT put_Enabled(SHORT v) = 0;
-    virtual HRESULT get_Note(VARIANT* v) = 0;
-    virtual HRESULT put_Note(VARIANT* v) = 0;
-    virtual HRESULT get_Samples(SAFEARRAY** v) = 0;
-    virtual HRESULT get_Element(LONG index, float* v) = 0;
-    virtual HRESULT put_Element(LONG index, float v) = 0;
-    virtual HRESULT Split(LONG at, VARIANT* head, VARIANT* tail) = 0;
-    virtual HRESULT Clone(ITestItem** copy) = 0;
-    virtual HRESULT get_Property(BSTR name, BSTR* value) = 0;
-    virtual HRESULT put_Property(BSTR name, BSTR value) = 0;
-    virtual HRESULT get_PropertiesCount(LONG* count) = 0;
-    virtual HRESULT get_PropertyName(LONG index, BSTR* name) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
+#define NVDL_ITESTITEM_MEMBERS(M)                                         \
+    M(get, Name, (BSTR* v))                                               \
+    M(put, Name, (BSTR v))                                                \
+    M(get, Id, (BSTR* v))                                                 \
+    M(put, Id, (BSTR v))                                                  \
+    M(get, FullPathName, (BSTR* v))                                       \
+    M(put, FullPathName, (BSTR v))                                        \
+    M(frame_get, Parent, (IDispatch** v))                                 \
+    M(frame_put, Parent, (IDispatch* v))                                  \
+    M(frame_get, Modified, (SHORT* v), hidden())                          \
+    M(frame_put, Modified, (SHORT v))                                     \
+    M(get, Count, (LONG* v))                                              \
+    M(put, Count, (LONG v))                                               \
+    M(get, Level, (SHORT* v))                                             \
+    M(put, Level, (SHORT v))                                              \
+    M(get, Gain, (float* v))                                              \
+    M(put, Gain, (float v))                                               \
+    M(get, Scale, (double* v))                                            \
+    M(put, Scale, (double v))                                             \
+    M(get, When, (DATE* v), typed(VT_DATE))                               \
+    M(put, When, (DATE v), typed(VT_DATE))                                \
+    M(get, Enabled, (SHORT* v), typed(VT_BOOL))                           \
+    M(put, Enabled, (SHORT v), typed(VT_BOOL))                            \
+    M(get, Note, (VARIANT* v))                                            \
+    M(put, Note, (VARIANT* v))                                            \
+    M(get, Samples, (SAFEARRAY** v))                                      \
+    M(get, Element, (LONG index, float* v))                               \
+    M(put, Element, (LONG index, float v))                                \
+    M(call, Split, (LONG at, VARIANT* head, VARIANT* tail), out("head"), out("tail")) \
+    M(call, Clone, (ITestItem** copy))                                    \
+    M(frame_get, Property, (BSTR name, BSTR* value))                      \
+    M(frame_put, Property, (BSTR name, BSTR value))                       \
+    M(frame_get, PropertiesCount, (LONG* count))                          \
+    M(frame_get, PropertyName, (LONG index, BSTR* name))                  \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info))
 
-protected:
-    ~ITestItem() = default;
-};
+NVDL_INTERFACE(ITestItem, NVDL_ITESTITEM_MEMBERS);
 
-class CTestItem final : public CObjectFrame<ITestItem> {
+class CTestItem final : public CObjectFrame<CTestItem, ITestItem> {
 public:
     static CTestItem* create() { return new CTestItem; }
 
@@ -88,19 +85,6 @@ public:
     HRESULT put_Id(BSTR v) override { return takeText(m_id, v); }
     HRESULT get_FullPathName(BSTR* v) override { return giveText(m_fullPath, v); }
     HRESULT put_FullPathName(BSTR v) override { return takeText(m_fullPath, v); }
-    HRESULT get_Parent(IDispatch** v) override {
-        if (!v) return E_POINTER;
-        *v = nullptr;
-        if (m_parent.check() == WeakParent::State::Dead) return E_POINTER;
-        if ((*v = m_parent.get())) (*v)->AddRef();
-        return S_OK;
-    }
-    HRESULT put_Parent(IDispatch* v) override {
-        m_parent.set(v);
-        return S_OK;
-    }
-    HRESULT get_Modified(SHORT* v) override { return giveValue(m_modified, v); }
-    HRESULT put_Modified(SHORT v) override { return setValue(m_modified, v); }
     HRESULT get_Count(LONG* v) override { return giveValue(m_count, v); }
     HRESULT put_Count(LONG v) override { return setValue(m_count, v); }
     HRESULT get_Level(SHORT* v) override { return giveValue(m_level, v); }
@@ -149,23 +133,16 @@ public:
         *copy = c;
         return S_OK;
     }
-    HRESULT get_Property(BSTR name, BSTR* value) override { return getPropertyByName(name, value); }
-    HRESULT put_Property(BSTR name, BSTR value) override { return putPropertyByName(name, value); }
-    HRESULT get_PropertiesCount(LONG* count) override { return countProperties(count); }
-    HRESULT get_PropertyName(LONG index, BSTR* name) override { return nameOfProperty(index, name); }
+    using CObjectFrame::GetPropertyByIndex;
 
-    static const InterfaceDescription& description();
+    static const InterfaceDescription& description() { return describeInterface<ITestItem>(); }
 
 private:
-    CTestItem() : CObjectFrame(IID_ITestItem) {
-        description();
-        m_note.vt = VT_EMPTY;
-    }
+    CTestItem() : CObjectFrame(IID_ITestItem) { m_note.vt = VT_EMPTY; }
     ~CTestItem() override { VariantClear(&m_note); }
 
     Bstr m_name, m_id, m_fullPath;
-    WeakParent m_parent;
-    SHORT m_modified = 0, m_level = 0, m_enabled = 0;
+    SHORT m_level = 0, m_enabled = 0;
     LONG m_count = 0;
     float m_gain = 0;
     double m_scale = 0;
@@ -174,47 +151,16 @@ private:
     float m_elements[4] = {};
 };
 
-inline const InterfaceDescription& CTestItem::description() {
-    static const InterfaceDescription& d =
-        MemberTable<ITestItem>(IID_ITestItem, "ITestItem")
-            .propget<&ITestItem::get_Name>("Name").propput<&ITestItem::put_Name>("Name")
-            .propget<&ITestItem::get_Id>("Id").propput<&ITestItem::put_Id>("Id")
-            .propget<&ITestItem::get_FullPathName>("FullPathName").propput<&ITestItem::put_FullPathName>("FullPathName")
-            .propget<&ITestItem::get_Parent>("Parent").propput<&ITestItem::put_Parent>("Parent")
-            .propget<&ITestItem::get_Modified>("Modified").hidden().propput<&ITestItem::put_Modified>("Modified")
-            .propget<&ITestItem::get_Count>("Count").propput<&ITestItem::put_Count>("Count")
-            .propget<&ITestItem::get_Level>("Level").propput<&ITestItem::put_Level>("Level")
-            .propget<&ITestItem::get_Gain>("Gain").propput<&ITestItem::put_Gain>("Gain")
-            .propget<&ITestItem::get_Scale>("Scale").propput<&ITestItem::put_Scale>("Scale")
-            .propget<&ITestItem::get_When>("When", VT_DATE).propput<&ITestItem::put_When>("When", VT_DATE)
-            .propget<&ITestItem::get_Enabled>("Enabled", VT_BOOL).propput<&ITestItem::put_Enabled>("Enabled", VT_BOOL)
-            .propget<&ITestItem::get_Note>("Note").propput<&ITestItem::put_Note>("Note")
-            .propget<&ITestItem::get_Samples>("Samples")
-            .propget<&ITestItem::get_Element>("Element", VT_EMPTY, {"index"})
-            .propput<&ITestItem::put_Element>("Element", VT_EMPTY, {"index"})
-            .method<&ITestItem::Split>("Split", {"at", out("head"), out("tail")})
-            .method<&ITestItem::Clone>("Clone")
-            .method<&ITestItem::get_Property>("Property", {"name"})
-            .method<&ITestItem::put_Property>("PutProperty", {"name", "value"})
-            .propget<&ITestItem::get_PropertiesCount>("PropertiesCount")
-            .propget<&ITestItem::get_PropertyName>("PropertyName", VT_EMPTY, {"index"})
-            .build();
-    return d;
-}
+#define NVDL_ITESTOWNER_MEMBERS(M)          \
+    M(get, Items, (ICollection** v))        \
+    M(frame_get, Modified, (SHORT* v))      \
+    M(frame_put, Modified, (SHORT v))       \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info))
 
-struct ITestOwner : IDispatch {
-    static constexpr const IID& iid = IID_ITestOwner;
-    virtual HRESULT get_Items(ICollection** v) = 0;
-    virtual HRESULT get_Modified(SHORT* v) = 0;
-    virtual HRESULT put_Modified(SHORT v) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
-
-protected:
-    ~ITestOwner() = default;
-};
+NVDL_INTERFACE(ITestOwner, NVDL_ITESTOWNER_MEMBERS);
 
 // An owner of one collection, whose item class the test chooses.
-class CTestOwner final : public CObjectFrame<ITestOwner> {
+class CTestOwner final : public CObjectFrame<CTestOwner, ITestOwner> {
 public:
     static CTestOwner* create(const CLSID& itemClass) { return new CTestOwner(itemClass); }
 
@@ -224,30 +170,17 @@ public:
         m_items.AddRef();
         return S_OK;
     }
-    HRESULT get_Modified(SHORT* v) override { return giveValue(m_modified, v); }
-    HRESULT put_Modified(SHORT v) override { return setValue(m_modified, v); }
     CObjectCollection& items() { return m_items; }
     SHORT modified() const { return m_modified; }
 
-    static const InterfaceDescription& description() {
-        static const InterfaceDescription& d =
-            MemberTable<ITestOwner>(IID_ITestOwner, "ITestOwner")
-                .propget<&ITestOwner::get_Items>("Items")
-                .propget<&ITestOwner::get_Modified>("Modified").propput<&ITestOwner::put_Modified>("Modified")
-                .build();
-        return d;
-    }
-
 private:
     explicit CTestOwner(const CLSID& itemClass) : CObjectFrame(IID_ITestOwner), m_items(IID_IParameters) {
-        description();
         CTestItem::description();
         m_items.SetOwner(dispatch());
         m_items.SetItemClass(itemClass);
     }
 
     CObjectCollection m_items;
-    SHORT m_modified = 0;
 };
 
 }  // namespace nvdl::test

@@ -9,43 +9,32 @@ namespace nvdl::test {
 inline constexpr IID IID_ITestSection{0x1b2c3d4e, 0x0004, 0x4000, {0x80, 0, 0, 0, 0, 0, 0, 4}};
 inline constexpr IID IID_ITestSetup{0x1b2c3d4e, 0x0005, 0x4000, {0x80, 0, 0, 0, 0, 0, 0, 5}};
 
-struct ITestSection : IDispatch {
-    static constexpr const IID& iid = IID_ITestSection;
-    virtual HRESULT get_Activated(SHORT* v) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
+#define NVDL_ITESTSECTION_MEMBERS(M)                  \
+    M(get, Activated, (SHORT* v), typed(VT_BOOL))     \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info))
 
-protected:
-    ~ITestSection() = default;
-};
+NVDL_INTERFACE(ITestSection, NVDL_ITESTSECTION_MEMBERS);
 
-class CTestSection final : public CObjectFrame<ITestSection> {
+class CTestSection final : public CObjectFrame<CTestSection, ITestSection> {
 public:
-    explicit CTestSection(SHORT activated) : CObjectFrame(IID_ITestSection), m_activated(activated) {
-        static const InterfaceDescription& d = MemberTable<ITestSection>(IID_ITestSection, "ITestSection")
-                                                   .propget<&ITestSection::get_Activated>("Activated", VT_BOOL)
-                                                   .build();
-        (void)d;
-    }
+    explicit CTestSection(SHORT activated) : CObjectFrame(IID_ITestSection), m_activated(activated) {}
     HRESULT get_Activated(SHORT* v) override { return giveValue(m_activated, v); }
 
 private:
     SHORT m_activated;
 };
 
-struct ITestSetup : IDispatch {
-    static constexpr const IID& iid = IID_ITestSetup;
-    virtual HRESULT put_Parent(IDispatch* v) = 0;
-    virtual HRESULT get_Creator(BSTR* v) = 0;
-    virtual HRESULT put_Creator(BSTR v) = 0;
-    virtual HRESULT get_PostProcessing(IDispatch** v) = 0;
-    virtual HRESULT get_Impact(IDispatch** v) = 0;
-    virtual HRESULT LoadTypeInfo(LCID lcid, ITypeInfo** info) = 0;
+#define NVDL_ITESTSETUP_MEMBERS(M)                 \
+    M(put, Parent, (IDispatch* v))                 \
+    M(get, Creator, (BSTR* v))                     \
+    M(put, Creator, (BSTR v))                      \
+    M(get, PostProcessing, (IDispatch** v))        \
+    M(get, Impact, (IDispatch** v))                \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info))
 
-protected:
-    ~ITestSetup() = default;
-};
+NVDL_INTERFACE(ITestSetup, NVDL_ITESTSETUP_MEMBERS);
 
-class CTestSetup final : public CObjectFrame<ITestSetup> {
+class CTestSetup final : public CObjectFrame<CTestSetup, ITestSetup> {
 public:
     static CTestSetup* create(const char* creator, SHORT postProcessing, SHORT impact) {
         return new CTestSetup(creator, postProcessing, impact);
@@ -64,16 +53,7 @@ public:
 private:
     CTestSetup(const char* creator, SHORT postProcessing, SHORT impact)
         : CObjectFrame(IID_ITestSetup), m_creator(std::string_view(creator)),
-          m_postProcessing(new CTestSection(postProcessing)), m_impact(new CTestSection(impact)) {
-        static const InterfaceDescription& d = MemberTable<ITestSetup>(IID_ITestSetup, "ITestSetup")
-                                                   .propput<&ITestSetup::put_Parent>("Parent")
-                                                   .propget<&ITestSetup::get_Creator>("Creator")
-                                                   .propput<&ITestSetup::put_Creator>("Creator")
-                                                   .propget<&ITestSetup::get_PostProcessing>("PostProcessing")
-                                                   .propget<&ITestSetup::get_Impact>("Impact")
-                                                   .build();
-        (void)d;
-    }
+          m_postProcessing(new CTestSection(postProcessing)), m_impact(new CTestSection(impact)) {}
     static HRESULT giveSection(CTestSection* s, IDispatch** v) {
         if (!v) return E_POINTER;
         *v = s->dispatch();

@@ -13,27 +13,6 @@ namespace nvdl::units {
 
 namespace {
 
-const InterfaceDescription& g_dimensionDescription =
-    MemberTable<IDimension>(IID_IDimension, "IDimension")
-        .propget<&IDimension::get_Name>("Name")
-        .id(DISPID_VALUE)
-        .propget<&IDimension::get_Index>("Index")
-        .propget<&IDimension::get_BaseExponent>("BaseExponent", VT_EMPTY, {"position"})
-        .propget<&IDimension::get_IsUnknown>("IsUnknown", VT_BOOL)
-        .propget<&IDimension::get_IsValid>("IsValid", VT_BOOL)
-        .propget<&IDimension::get_DefaultUnit>("DefaultUnit")
-        .propget<&IDimension::get_Units>("Units")
-        .propget<&IDimension::get_Dimension>("Dimension")
-        .propput<&IDimension::put_Dimension>("Dimension")
-        .propget<&IDimension::get_Exponent>("Exponent")
-        .propput<&IDimension::put_Exponent>("Exponent")
-        .propget<&IDimension::get_Unit>("Unit")
-        .propput<&IDimension::put_Unit>("Unit")
-        .propget<&IDimension::get_Factor>("Factor")
-        .propput<&IDimension::put_Factor>("Factor")
-        .method<&IDimension::SquareRoot>("SquareRoot")
-        .build();
-
 bool scaleExponents(const Exponents& in, long power, Exponents& out) {
     for (int i = 0; i < kBaseExponentCount; ++i) {
         long product = static_cast<long>(in[i]) * power;

@@ -9,7 +9,7 @@
 
 namespace nvdl::units {
 
-class CDimension final : public CObjectFrame<IDimension> {
+class CDimension final : public CObjectFrame<CDimension, IDimension> {
 public:
     // The table's row at `index` (below the table's size).
     static CDimension* fromTable(SharedTable table, std::size_t index);
@@ -18,22 +18,7 @@ public:
     // An empty object to be built through its building properties: unknown and not valid.
     static CDimension* blank(SharedTable table);
 
-    HRESULT get_Name(BSTR* name) override;
-    HRESULT get_Index(LONG* index) override;
-    HRESULT get_BaseExponent(SHORT position, SHORT* exponent) override;
-    HRESULT get_IsUnknown(SHORT* unknown) override;
-    HRESULT get_IsValid(SHORT* valid) override;
-    HRESULT get_DefaultUnit(IUnit** unit) override;
-    HRESULT get_Units(IUnits** units) override;
-    HRESULT get_Dimension(BSTR* base) override;
-    HRESULT put_Dimension(VARIANT base) override;
-    HRESULT get_Exponent(SHORT* exponent) override;
-    HRESULT put_Exponent(SHORT exponent) override;
-    HRESULT get_Unit(BSTR* unit) override;
-    HRESULT put_Unit(BSTR unit) override;
-    HRESULT get_Factor(double* factor) override;
-    HRESULT put_Factor(double factor) override;
-    HRESULT SquareRoot(IDimension** root) override;
+    NVDL_IMPLEMENTS(NVDL_IDIMENSION_MEMBERS)
 
 private:
     explicit CDimension(SharedTable table);

@@ -8,22 +8,6 @@
 
 namespace nvdl::units {
 
-namespace {
-
-const InterfaceDescription& g_dimensionsDescription =
-    MemberTable<IDimensions>(IID_IDimensions, "IDimensions")
-        .propget<&IDimensions::get_Count>("Count")
-        .propget<&IDimensions::get_Item>("Item", VT_EMPTY, {"index"})
-        .id(DISPID_VALUE)
-        .propget<&IDimensions::get__NewEnum>("_NewEnum")
-        .id(DISPID_NEWENUM)
-        .hidden()
-        .method<&IDimensions::FromExponents>("FromExponents",
-                                             {"length", "time", "mass", "current", "temperature", "amount",
-                                              "luminousIntensity", "planeAngle", "solidAngle", "other"})
-        .build();
-
-}  // namespace
 
 CDimensions::CDimensions(SharedTable table) : CObjectFrame(IID_IDimensions), m_table(std::move(table)) {
     if (!m_table) m_table = std::make_shared<const UnitTable>();

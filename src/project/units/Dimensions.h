@@ -7,16 +7,11 @@
 
 namespace nvdl::units {
 
-class CDimensions final : public CObjectFrame<IDimensions> {
+class CDimensions final : public CObjectFrame<CDimensions, IDimensions> {
 public:
     static CDimensions* create(SharedTable table);
 
-    HRESULT get_Count(LONG* count) override;
-    HRESULT get_Item(VARIANT index, IDimension** dimension) override;
-    HRESULT get__NewEnum(IUnknown** enumerator) override;
-    HRESULT FromExponents(SHORT length, SHORT time, SHORT mass, SHORT current, SHORT temperature, SHORT amount,
-                          SHORT luminousIntensity, SHORT planeAngle, SHORT solidAngle, SHORT other,
-                          IDimension** dimension) override;
+    NVDL_IMPLEMENTS(NVDL_IDIMENSIONS_MEMBERS)
 
 private:
     explicit CDimensions(SharedTable table);

@@ -7,26 +7,6 @@
 
 namespace nvdl::units {
 
-namespace {
-
-const InterfaceDescription& g_unitDescription = MemberTable<IUnit>(IID_IUnit, "IUnit")
-                                                    .propget<&IUnit::get_Name>("Name")
-                                                    .id(DISPID_VALUE)
-                                                    .propget<&IUnit::get_Factor>("Factor")
-                                                    .propget<&IUnit::get_Offset>("Offset")
-                                                    .propget<&IUnit::get_Dimension>("Dimension")
-                                                    .build();
-
-const InterfaceDescription& g_unitsDescription = MemberTable<IUnits>(IID_IUnits, "IUnits")
-                                                     .propget<&IUnits::get_Count>("Count")
-                                                     .propget<&IUnits::get_Item>("Item", VT_EMPTY, {"index"})
-                                                     .id(DISPID_VALUE)
-                                                     .propget<&IUnits::get__NewEnum>("_NewEnum")
-                                                     .id(DISPID_NEWENUM)
-                                                     .hidden()
-                                                     .build();
-
-}  // namespace
 
 bool readCollectionKey(const VARIANT& key, LONG count, LONG& position, std::string& name) {
     Variant copy;

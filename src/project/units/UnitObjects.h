@@ -10,16 +10,13 @@
 
 namespace nvdl::units {
 
-class CUnit final : public CObjectFrame<IUnit> {
+class CUnit final : public CObjectFrame<CUnit, IUnit> {
 public:
     // A unit of `dimension` (counted; may be null).
     static CUnit* create(UnitRecord record, IDimension* dimension);
     ~CUnit() override;
 
-    HRESULT get_Name(BSTR* name) override;
-    HRESULT get_Factor(double* factor) override;
-    HRESULT get_Offset(double* offset) override;
-    HRESULT get_Dimension(IDimension** dimension) override;
+    NVDL_IMPLEMENTS(NVDL_IUNIT_MEMBERS)
 
     const UnitRecord& record() const { return m_record; }
 
@@ -30,15 +27,13 @@ private:
     IDimension* m_dimension;  // counted
 };
 
-class CUnits final : public CObjectFrame<IUnits> {
+class CUnits final : public CObjectFrame<CUnits, IUnits> {
 public:
     // Takes over one reference of each unit.
     static CUnits* create(std::vector<CUnit*> units);
     ~CUnits() override;
 
-    HRESULT get_Count(LONG* count) override;
-    HRESULT get_Item(VARIANT index, IUnit** unit) override;
-    HRESULT get__NewEnum(IUnknown** enumerator) override;
+    NVDL_IMPLEMENTS(NVDL_IUNITS_MEMBERS)
 
 private:
     explicit CUnits(std::vector<CUnit*> units);

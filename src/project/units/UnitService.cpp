@@ -10,18 +10,6 @@
 
 namespace nvdl::units {
 
-namespace {
-
-const InterfaceDescription& g_serviceDescription = MemberTable<IUnitService>(IID_IUnitService, "IUnitService")
-                                                       .propget<&IUnitService::get_Dimensions>("Dimensions")
-                                                       .propget<&IUnitService::get_Units>("Units")
-                                                       .method<&IUnitService::Load>("Load", {"file"})
-                                                       .propget<&IUnitService::get_FileName>("FileName")
-                                                       .method<&IUnitService::FindUnit>("FindUnit", {"name"})
-                                                       .method<&IUnitService::NewDimension>("NewDimension")
-                                                       .build();
-
-}  // namespace
 
 CUnitService::CUnitService() : CObjectFrame(IID_IUnitService) {}
 

@@ -10,16 +10,11 @@
 
 namespace nvdl::units {
 
-class CUnitService final : public CObjectFrame<IUnitService> {
+class CUnitService final : public CObjectFrame<CUnitService, IUnitService> {
 public:
     static CUnitService* create();
 
-    HRESULT get_Dimensions(IDimensions** dimensions) override;
-    HRESULT get_Units(IUnits** units) override;
-    HRESULT Load(BSTR file) override;
-    HRESULT get_FileName(BSTR* file) override;
-    HRESULT FindUnit(BSTR name, IUnit** unit) override;
-    HRESULT NewDimension(IDimension** dimension) override;
+    NVDL_IMPLEMENTS(NVDL_IUNITSERVICE_MEMBERS)
 
     // The table in use, never null (empty when not even the shipped file reads).
     SharedTable table();
