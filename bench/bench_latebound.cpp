@@ -2,6 +2,8 @@
 // GetIDsOfNames, and the same get as a direct virtual call on the interface.
 #include <benchmark/benchmark.h>
 
+#include <string>
+
 #include "frame/LateBound.h"
 #include "nvdl/IParameter.h"
 #include "nvdl/nvdl.h"
@@ -42,6 +44,22 @@ void GetIDsOfNames(benchmark::State& state) {
     }
 }
 BENCHMARK(GetIDsOfNames);
+
+// The first and the last member of the largest interface: the name index makes both cost the same.
+void MeasurementNameLookUp(benchmark::State& state, const char16_t* member) {
+    IDispatch* m = nullptr;
+    nvdl::CreateObject(u"nv_bench.measurement", &m);
+    std::u16string text(member);
+    OLECHAR* names[] = {text.data()};
+    DISPID id;
+    for (auto _ : state) {
+        m->GetIDsOfNames(IID_NULL, names, 1, 0, &id);
+        benchmark::DoNotOptimize(id);
+    }
+    m->Release();
+}
+BENCHMARK_CAPTURE(MeasurementNameLookUp, first, u"Name");
+BENCHMARK_CAPTURE(MeasurementNameLookUp, last, u"CloneHeaderOnly");
 
 void DirectVirtualGet(benchmark::State& state) {
     Parameter p;
