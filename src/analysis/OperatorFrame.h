@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "measurement/Measurement.h"
+#include "platform/ComPtr.h"
 #include "nvdl/daTypes.h"
 #include "project/UnitClient.h"
 
@@ -45,32 +46,6 @@ enum OperatorFunctionCode : LONG {
 };
 inline constexpr LONG kWindowHanning = 1302;
 inline constexpr LONG kWindowForce = 1305;
-
-// Owns one counted reference and releases it when it goes.
-template <class T>
-class Counted {
-public:
-    Counted() = default;
-    explicit Counted(T* p) : m_p(p) {}
-    Counted(const Counted&) = delete;
-    Counted& operator=(const Counted&) = delete;
-    ~Counted() { reset(); }
-    T* get() const { return m_p; }
-    T* operator->() const { return m_p; }
-    explicit operator bool() const { return m_p != nullptr; }
-    T* release() {
-        T* p = m_p;
-        m_p = nullptr;
-        return p;
-    }
-    void reset(T* p = nullptr) {
-        if (m_p) m_p->Release();
-        m_p = p;
-    }
-
-private:
-    T* m_p = nullptr;
-};
 
 // A kernel output record that frees what it still holds when it goes.
 struct KernelOutput : daVector {

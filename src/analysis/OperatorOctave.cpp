@@ -47,24 +47,24 @@ HRESULT CMeasurement::Octave(LONG bandsPerOctave, IMeasurement** result) {
     *result = nullptr;
     return guardedOperator([&]() -> HRESULT {
         if (m_xAxisType != kAxisEquidistant) {
-            Counted<CMeasurement> copy(OperatorFrame::copyOf(*this));
+            ComPtr<CMeasurement> copy(OperatorFrame::copyOf(*this));
             if (!copy) return E_OUTOFMEMORY;
             copy->m_xAxisType = kAxisOctaves;
             return handOut(copy.release(), result);
         }
 
         BandArrays bands;
-        Counted<CMeasurement> spectrum;  // the data on the time route
+        ComPtr<CMeasurement> spectrum;  // the data on the time route
         CMeasurement* data = this;
         if (m_functionType == kFnTimeRecord) {
             put_WindowType(Variant::fromLong(kWindowHanning));
             put_BandwidthCorrectionFactor(0.0f);
             IMeasurement* window = nullptr;
             if (HRESULT h = Window(&window); FAILED(h)) return h;
-            Counted<IMeasurement> heldWindow(window);
+            ComPtr<IMeasurement> heldWindow(window);
             IMeasurement* product = nullptr;
             if (HRESULT h = Multiply(window, &product); FAILED(h)) return h;
-            Counted<IMeasurement> heldProduct(product);
+            ComPtr<IMeasurement> heldProduct(product);
             IMeasurement* transformed = nullptr;
             if (HRESULT h = product->Fft(&transformed); FAILED(h)) return h;
             spectrum.reset(from(transformed));
@@ -78,7 +78,7 @@ HRESULT CMeasurement::Octave(LONG bandsPerOctave, IMeasurement** result) {
             if (type && !type->empty()) std::snprintf(what, sizeof what, "%s type", Bstr(*type).ansi().c_str());
             else std::snprintf(what, sizeof what, "type %ld", static_cast<long>(m_functionType));
             showOperatorMessage(std::string("Octave computation does not work on ") + what + ".");
-            Counted<CMeasurement> copy(OperatorFrame::copyOf(*this));
+            ComPtr<CMeasurement> copy(OperatorFrame::copyOf(*this));
             if (!copy) return E_OUTOFMEMORY;
             return handOut(copy.release(), result);
         }
@@ -98,7 +98,7 @@ HRESULT CMeasurement::Octave(LONG bandsPerOctave, IMeasurement** result) {
             put_BandwidthCorrectionFactor(1.0f);
         }
 
-        Counted<CMeasurement> out(OperatorFrame::resultOf(*this));
+        ComPtr<CMeasurement> out(OperatorFrame::resultOf(*this));
         if (!out) return E_OUTOFMEMORY;
         CMeasurement& r = *out.get();
         const std::size_t count = static_cast<std::size_t>(std::max(bands.count, 0));

@@ -62,7 +62,7 @@ void weightingAfterDivision(const std::string& t, const std::string& w, std::str
 template <class Kernel>
 HRESULT binaryOperator(CMeasurement& self, CMeasurement& other, IMeasurement** result, Kernel kernel) {
     return guardedOperator([&]() -> HRESULT {
-        Counted<CMeasurement> out(OperatorFrame::resultOf(self));
+        ComPtr<CMeasurement> out(OperatorFrame::resultOf(self));
         if (!out) return E_OUTOFMEMORY;
         LONG n = 0, otherSize = 0;
         self.get_Size(&n);
@@ -83,7 +83,7 @@ HRESULT unaryOperator(CMeasurement& self, IMeasurement** result, Kernel kernel) 
     if (!result) return E_POINTER;
     *result = nullptr;
     return guardedOperator([&]() -> HRESULT {
-        Counted<CMeasurement> out(OperatorFrame::resultOf(self));
+        ComPtr<CMeasurement> out(OperatorFrame::resultOf(self));
         if (!out) return E_OUTOFMEMORY;
         self.LoadFromDisk();
         KernelOutput record;
@@ -122,7 +122,7 @@ HRESULT CMeasurement::Add(IMeasurement* other, VARIANT* mode, IMeasurement** res
     return binaryOperator(*this, *o, result, [o](daVector a, daVector, daVector* out, CMeasurement&) {
         IMeasurement* copy = nullptr;
         o->Clone(&copy);
-        Counted<CMeasurement> clone(CMeasurement::from(copy));  // takes over the clone's reference
+        ComPtr<CMeasurement> clone(CMeasurement::from(copy));  // takes over the clone's reference
         toAmplitudes(a);
         daVector b = clone ? OperatorFrame::view(*clone.get(), a.length) : daVector{nullptr, nullptr, 0};
         toAmplitudes(b);
@@ -190,7 +190,7 @@ HRESULT CMeasurement::ScalarMultiply(float value, IMeasurement** result) {
     return guardedOperator([&]() -> HRESULT {
         IMeasurement* copy = nullptr;
         Clone(&copy);
-        Counted<CMeasurement> out(from(copy));  // takes over the clone's reference
+        ComPtr<CMeasurement> out(from(copy));  // takes over the clone's reference
         if (!out) return E_OUTOFMEMORY;
         if (value == 1.0f) return handOut(out.release(), result);
         LoadFromDisk();

@@ -56,7 +56,7 @@ HRESULT CMeasurement::jwn(LONG power, IMeasurement** result) {
         if (power == 0) return E_INVALIDARG;
         LoadFromDisk();
         std::vector<float> f = OperatorFrame::frequencies(*this, factor);
-        Counted<CMeasurement> out(OperatorFrame::resultOf(*this));
+        ComPtr<CMeasurement> out(OperatorFrame::resultOf(*this));
         if (!out) return E_OUTOFMEMORY;
         const daVector frequency{f.data(), nullptr, static_cast<long>(f.size())};
         KernelOutput record;
@@ -90,7 +90,7 @@ void sumOrDifference(CMeasurement& result, daVector source, int step, float scal
 HRESULT CMeasurement::SumIntegrate(IMeasurement** result) {
     if (HRESULT h = beginResult(result); FAILED(h)) return h;
     return guardedOperator([&]() -> HRESULT {
-        Counted<CMeasurement> out(OperatorFrame::copyOf(*this));
+        ComPtr<CMeasurement> out(OperatorFrame::copyOf(*this));
         if (!out) return E_OUTOFMEMORY;
         CMeasurement& r = *out.get();
         LoadFromDisk();
@@ -122,7 +122,7 @@ HRESULT CMeasurement::SumIntegrate(IMeasurement** result) {
 HRESULT CMeasurement::SumDifferentiate(IMeasurement** result) {
     if (HRESULT h = beginResult(result); FAILED(h)) return h;
     return guardedOperator([&]() -> HRESULT {
-        Counted<CMeasurement> out(OperatorFrame::copyOf(*this));
+        ComPtr<CMeasurement> out(OperatorFrame::copyOf(*this));
         if (!out) return E_OUTOFMEMORY;
         CMeasurement& r = *out.get();
         LoadFromDisk();
@@ -168,7 +168,7 @@ HRESULT CMeasurement::WeightingFunction(BSTR weighting, IMeasurement** result) {
         else return E_INVALIDARG;
         if (isPowerFunction(m_functionType)) type += 10;
 
-        Counted<CMeasurement> out(OperatorFrame::resultOf(*this));
+        ComPtr<CMeasurement> out(OperatorFrame::resultOf(*this));
         if (!out) return E_OUTOFMEMORY;
         CMeasurement& r = *out.get();
         r.m_yImag.clear();
@@ -204,7 +204,7 @@ HRESULT CMeasurement::AcousticIntensity(float a, float b, IMeasurement** result)
             default: return E_INVALIDARG;
         }
         LoadFromDisk();
-        Counted<CMeasurement> out(OperatorFrame::copyOf(*this));
+        ComPtr<CMeasurement> out(OperatorFrame::copyOf(*this));
         if (!out) return E_OUTOFMEMORY;
         CMeasurement& r = *out.get();
         r.put_Complex(VARIANT_FALSE);

@@ -33,7 +33,7 @@ void fillRecord(KernelOutput& record, const std::vector<float>& values) {
 HRESULT CMeasurement::Histogram(LONG classes, float minimum, float maximum, IMeasurement** result) {
     if (HRESULT h = beginResult(result); FAILED(h)) return h;
     return guardedOperator([&]() -> HRESULT {
-        Counted<CMeasurement> out(OperatorFrame::resultOf(*this));
+        ComPtr<CMeasurement> out(OperatorFrame::resultOf(*this));
         if (!out) return E_OUTOFMEMORY;
         CMeasurement& r = *out.get();
         LoadFromDisk();
@@ -143,7 +143,7 @@ HRESULT CMeasurement::sqr(IMeasurement** result) {
     if (m_size < 1) return E_INVALIDARG;
     return guardedOperator([&]() -> HRESULT {
         LoadFromDisk();
-        Counted<CMeasurement> out(OperatorFrame::copyOf(*this));
+        ComPtr<CMeasurement> out(OperatorFrame::copyOf(*this));
         if (!out) return E_OUTOFMEMORY;
         CMeasurement& r = *out.get();
         if (!r.m_complex && FAILED(r.put_Complex(VARIANT_TRUE))) return E_FAIL;
@@ -175,7 +175,7 @@ HRESULT CMeasurement::Concatenate(IMeasurement* other, IMeasurement** result) {
     return guardedOperator([&]() -> HRESULT {
         LoadFromDisk();
         o->LoadFromDisk();
-        Counted<CMeasurement> out(OperatorFrame::copyOf(*this));
+        ComPtr<CMeasurement> out(OperatorFrame::copyOf(*this));
         if (!out) return E_OUTOFMEMORY;
         CMeasurement& r = *out.get();
         const LONG first = m_size, second = o->m_size;
@@ -224,7 +224,7 @@ HRESULT CMeasurement::Compress(LONG points, IMeasurement** result) {
     if (duration == 0.0) return E_FAIL;
     return guardedOperator([&]() -> HRESULT {
         LoadFromDisk();
-        Counted<CMeasurement> out(CMeasurement::createMeasurement());
+        ComPtr<CMeasurement> out(CMeasurement::createMeasurement());
         CMeasurement& r = *out.get();
         copyEngine(r, true);
         if (FAILED(r.put_Size(points))) return E_OUTOFMEMORY;

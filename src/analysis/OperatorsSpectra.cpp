@@ -112,7 +112,7 @@ HRESULT CMeasurement::Fft(IMeasurement** result) {
         if (!(dx > 0.0)) return E_INVALIDARG;
 
         const Transform t = transformOf(m_functionType);
-        Counted<CMeasurement> out(t.direction == Direction::None ? OperatorFrame::copyOf(*this) : OperatorFrame::resultOf(*this));
+        ComPtr<CMeasurement> out(t.direction == Direction::None ? OperatorFrame::copyOf(*this) : OperatorFrame::resultOf(*this));
         if (!out) return E_OUTOFMEMORY;
         CMeasurement& r = *out.get();
         if (r.m_xAxisType == kAxisArbitrary) {
@@ -164,7 +164,7 @@ HRESULT CMeasurement::Psd(IMeasurement* other, IMeasurement** result) {
     try {
         if (m_functionType != kFnSpectrum || o->m_functionType != kFnSpectrum) return kNotSpectra;
         progress = 1;
-        Counted<CMeasurement> out(OperatorFrame::resultOf(*this));
+        ComPtr<CMeasurement> out(OperatorFrame::resultOf(*this));
         if (!out) return E_OUTOFMEMORY;
         CMeasurement& r = *out.get();
         progress = 2;
@@ -237,7 +237,7 @@ HRESULT CMeasurement::Frf(IMeasurement* other, VARIANT estimator, IMeasurement**
                 if (name == "H2") form = 2;
             }
         }
-        Counted<CMeasurement> out(OperatorFrame::resultOf(*this));
+        ComPtr<CMeasurement> out(OperatorFrame::resultOf(*this));
         if (!out) return E_OUTOFMEMORY;
         CMeasurement& r = *out.get();
         const LONG n = std::min(m_size, o->m_size);
@@ -267,7 +267,7 @@ HRESULT CMeasurement::Coherence(IMeasurement* auto1, IMeasurement* auto2, IMeasu
     CMeasurement* a2 = from(auto2);
     if (!a1 || !a2) return E_POINTER;
     return guardedOperator([&]() -> HRESULT {
-        Counted<CMeasurement> out(OperatorFrame::resultOf(*this));
+        ComPtr<CMeasurement> out(OperatorFrame::resultOf(*this));
         if (!out) return E_OUTOFMEMORY;
         CMeasurement& r = *out.get();
         const LONG n = std::min({m_size, a1->m_size, a2->m_size});
@@ -288,7 +288,7 @@ HRESULT CMeasurement::Coherence(IMeasurement* auto1, IMeasurement* auto2, IMeasu
 HRESULT CMeasurement::Window(IMeasurement** result) {
     if (HRESULT h = beginResult(result); FAILED(h)) return h;
     return guardedOperator([&]() -> HRESULT {
-        Counted<CMeasurement> out(OperatorFrame::resultOf(*this));
+        ComPtr<CMeasurement> out(OperatorFrame::resultOf(*this));
         if (!out) return E_OUTOFMEMORY;
         CMeasurement& r = *out.get();
         const daWindowCorrection correction = daGetWindowCorrection(m_windowType);
@@ -306,7 +306,7 @@ HRESULT CMeasurement::Window(IMeasurement** result) {
 HRESULT CMeasurement::WhiteNoise(IMeasurement** result) {
     if (HRESULT h = beginResult(result); FAILED(h)) return h;
     return guardedOperator([&]() -> HRESULT {
-        Counted<CMeasurement> out(OperatorFrame::resultOf(*this));
+        ComPtr<CMeasurement> out(OperatorFrame::resultOf(*this));
         if (!out) return E_OUTOFMEMORY;
         CMeasurement& r = *out.get();
         KernelOutput record;

@@ -14,17 +14,14 @@ namespace nvdl {
 
 
 CField::CField(IDispatch* owner, const IID& ownerInterface, std::string name)
-    : CObjectFrame(IID_IField), m_name(std::move(name)), m_owner(owner), m_ownerInterface(ownerInterface) {
-    if (m_owner) m_owner->AddRef();
-}
+    : CObjectFrame(IID_IField), m_name(std::move(name)), m_owner(ComPtr<IDispatch>::share(owner)),
+      m_ownerInterface(ownerInterface) {}
 
 CField* CField::create(IDispatch* owner, const IID& ownerInterface, std::string name) {
     return new CField(owner, ownerInterface, std::move(name));
 }
 
-CField::~CField() {
-    if (m_owner) m_owner->Release();
-}
+CField::~CField() = default;
 
 HRESULT CField::get_Name(BSTR* name) {
     if (!name) return E_POINTER;
@@ -32,7 +29,7 @@ HRESULT CField::get_Name(BSTR* name) {
     return S_OK;
 }
 
-IDispatch* CField::readableOwner() { return m_owner; }
+IDispatch* CField::readableOwner() { return m_owner.get(); }
 
 HRESULT CField::resolveMember() {
     if (m_dispid != -1) return S_OK;
@@ -46,7 +43,7 @@ HRESULT CField::get_Value(BSTR* value) {
     *value = nullptr;
     if (FAILED(resolveMember())) return E_FAIL;
     Variant result;
-    if (FAILED(latebound::get(m_owner, m_dispid, &result)) || FAILED(result.changeType(VT_BSTR))) return E_FAIL;
+    if (FAILED(latebound::get(m_owner.get(), m_dispid, &result)) || FAILED(result.changeType(VT_BSTR))) return E_FAIL;
     *value = result.bstrVal;
     result.vt = VT_EMPTY;
     return S_OK;
@@ -55,8 +52,8 @@ HRESULT CField::get_Value(BSTR* value) {
 // The value type of the property's put half, from the owner's type description.
 HRESULT CField::resolvePutType() {
     if (m_valueType != VT_UNKNOWN) return S_OK;
-    ITypeInfo* info = nullptr;
-    if (FAILED(m_owner->GetTypeInfo(0, 0, &info)) || !info) return E_FAIL;
+    ComPtr<ITypeInfo> info;
+    if (FAILED(m_owner->GetTypeInfo(0, 0, info.out())) || !info) return E_FAIL;
     const TYPEATTR* attr = nullptr;
     HRESULT h = E_FAIL;
     if (SUCCEEDED(info->GetTypeAttr(&attr))) {
@@ -71,7 +68,6 @@ HRESULT CField::resolvePutType() {
             break;
         }
     }
-    info->Release();
     return h;
 }
 
@@ -82,15 +78,13 @@ HRESULT CField::put_Value(BSTR value) {
     Variant converted;
     if (m_valueType == VT_VARIANT) converted = text;
     else if (FAILED(VariantChangeType(&converted, &text, 0, m_valueType))) return E_FAIL;
-    if (FAILED(latebound::put(m_owner, m_dispid, converted))) return E_FAIL;
-    putModifiedThroughFirst(m_owner, kModifiedParents, VARIANT_TRUE);
+    if (FAILED(latebound::put(m_owner.get(), m_dispid, converted))) return E_FAIL;
+    putModifiedThroughFirst(m_owner.get(), kModifiedParents, VARIANT_TRUE);
     return S_OK;
 }
 
 HRESULT CField::put_Parent(IDispatch* parent) {
-    if (parent) parent->AddRef();
-    if (m_owner) m_owner->Release();
-    m_owner = parent;
+    m_owner = ComPtr<IDispatch>::share(parent);
     m_dispid = -1;
     m_valueType = VT_UNKNOWN;
     return S_OK;
@@ -113,8 +107,8 @@ HRESULT CFields::Load(ITypeLib* library, IDispatch* owner) {
     if (!library) return E_POINTER;
     if (owner) SetOwner(owner);
     if (!m_names.empty()) return S_OK;
-    ITypeInfo* info = nullptr;
-    HRESULT h = library->GetTypeInfoOfGuid(m_ownerInterface, &info);
+    ComPtr<ITypeInfo> info;
+    HRESULT h = library->GetTypeInfoOfGuid(m_ownerInterface, info.out());
     if (FAILED(h)) return h;
     const TYPEATTR* attr = nullptr;
     if (SUCCEEDED(h = info->GetTypeAttr(&attr))) {
@@ -127,7 +121,6 @@ HRESULT CFields::Load(ITypeLib* library, IDispatch* owner) {
             SysFreeString(name);
         }
     }
-    info->Release();
     return h;
 }
 

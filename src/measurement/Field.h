@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "frame/ObjectFrame.h"
+#include "platform/ComPtr.h"
 #include "nvdl/IField.h"
 
 namespace nvdl {
@@ -28,7 +29,7 @@ private:
     IDispatch* readableOwner();
 
     std::string m_name;
-    IDispatch* m_owner = nullptr;  // counted: the subject of a field must stay alive
+    ComPtr<IDispatch> m_owner;  // counted: the subject of a field must stay alive
     IID m_ownerInterface;
     DISPID m_dispid = -1;
     VARTYPE m_valueType = VT_UNKNOWN;  // unresolved until the first put

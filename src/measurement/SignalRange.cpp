@@ -101,13 +101,10 @@ HRESULT CSignalRange::Copy(ISignalRange* target) {
 
 // Reads and writes that fail are not reported: each value goes over on its own.
 HRESULT CSignalRange::Copy(ISignalRange* source, ISignalRange* target) {
-    IDispatch* owner = nullptr;
-    if (SUCCEEDED(target->get_Measurement(&owner)) && owner) {
-        owner->Release();
-    } else if (SUCCEEDED(source->get_Measurement(&owner)) && owner) {
-        target->put_Measurement(owner);
-        owner->Release();
-    }
+    ComPtr<IDispatch> owner;
+    bool targetHasOwner = SUCCEEDED(target->get_Measurement(owner.out())) && owner;
+    if (!targetHasOwner && SUCCEEDED(source->get_Measurement(owner.out())) && owner)
+        target->put_Measurement(owner.get());
     using Get = HRESULT (ISignalRange::*)(double*);
     using Put = HRESULT (ISignalRange::*)(double);
     static constexpr struct {
