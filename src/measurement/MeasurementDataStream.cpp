@@ -39,7 +39,7 @@ IStream* MeasurementDataStream::open(const DataStreamPlace& place) {
     }
     const bool sub = !parentStorage.empty();
 
-    bool opened = SUCCEEDED(openCompoundFile(place.file, STGM_READ | STGM_SHARE_DENY_WRITE, &m_file)) && m_file;
+    bool opened = SUCCEEDED(openCompoundFile(pathFromAnsi(place.file), STGM_READ | STGM_SHARE_DENY_WRITE, &m_file)) && m_file;
     IStorage* top = m_file;
     if (opened && place.inDataStorage == -1 && !place.subStorage.empty()) {
         opened = openStorage(m_file, "Data", &m_data) && openStorage(m_data, place.subStorage, &m_subStorage);

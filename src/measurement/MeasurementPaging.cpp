@@ -164,7 +164,9 @@ HRESULT CMeasurement::InternalReadFormat(LONG start, LONG count, IStream* stream
             self.CloseDataStream();
         }
     } leave{*this, source};
-    if (!source) return S_OK;
+    // Without a stream only a record held whole in memory is complete; a paged record whose file
+    // cannot be opened has nothing valid in memory, and saying so beats handing out old samples.
+    if (!source) return m_isUncompleted ? E_FAIL : S_OK;
 
     STATSTG stat;
     if (FAILED(source->Stat(&stat, STATFLAG_NONAME))) return E_FAIL;
@@ -216,7 +218,9 @@ HRESULT CMeasurement::InternalReadFormat(LONG start, LONG count, IStream* stream
     if (!m_isUncompleted && n <= block) m_firstBlockRead = 0;
     if (!m_firstBlockRead) m_currentBlock = GetBlockNumber(start);
     m_dataLoaded = 1;
-    m_blockStartOffset = static_cast<LONG>(start - static_cast<long long>(m_currentBlock - 1) * block);
+    // The block in memory begins at the sample read first, which near the end of the record lies
+    // before `start`: measuring the offset from there maps every index of the block to its own sample.
+    m_blockStartOffset = static_cast<LONG>(first - static_cast<long long>(m_currentBlock - 1) * block);
     m_firstBlockRead = 0;
     return S_OK;
 }

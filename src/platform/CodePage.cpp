@@ -146,4 +146,9 @@ std::u16string utf8ToUtf16(std::string_view text) {
     return out;
 }
 
+std::filesystem::path pathFromAnsi(std::string_view text) {
+    std::string utf8 = utf16ToUtf8(widen(text));
+    return std::filesystem::path(std::u8string(utf8.begin(), utf8.end()));
+}
+
 }  // namespace nvdl

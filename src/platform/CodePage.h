@@ -2,6 +2,7 @@
 // (Windows-1252) used inside objects and files, and UTF-8 used by the Python client and file names.
 #pragma once
 
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -22,5 +23,7 @@ std::string utf16ToUtf8(std::u16string_view text);
 // UTF-8 to UTF-16; every ill-formed sequence (stray continuation byte, truncated or overlong
 // sequence, encoded surrogate, value above U+10FFFF) becomes one U+FFFD per maximal bad part.
 std::u16string utf8ToUtf16(std::string_view text);
+// A file name kept as 8-bit text in the system code page, as the file system takes it (UTF-8).
+std::filesystem::path pathFromAnsi(std::string_view text);
 
 }  // namespace nvdl

@@ -99,6 +99,18 @@ struct ParameterMarks {
 
 }  // namespace
 
+namespace {
+
+void recordFailure(const IID& iid, std::u16string description) {
+    ErrorRecord record;
+    record.iid = iid;
+    record.source = u"nvdl";
+    record.description = std::move(description);
+    setErrorInfo(std::move(record));
+}
+
+}  // namespace
+
 HRESULT failureOfException(const IID& iid) noexcept {
     try {
         throw;
@@ -106,12 +118,12 @@ HRESULT failureOfException(const IID& iid) noexcept {
         return E_OUTOFMEMORY;
     } catch (const std::exception& e) {
         try {
-            setErrorInfo({iid, u"nvdl", widen(e.what())});
+            recordFailure(iid, widen(e.what()));
         } catch (...) {
         }
     } catch (...) {
         try {
-            setErrorInfo({iid, u"nvdl", u"An unexpected failure stopped the call."});
+            recordFailure(iid, u"An unexpected failure stopped the call.");
         } catch (...) {
         }
     }
