@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <bit>
 
+#include "measurement/FloatExtremes.h"
 #include "measurement/Measurement.h"
 #include "nvdl/SafeArray.h"
 
@@ -59,18 +60,15 @@ bool readEnvelope(IStream* stream, std::size_t chunks, std::size_t chunkSize, st
         }
         return true;
     }
-    // A chunk longer than the scratch buffer: its extremes are gathered piece by piece.
+    // A chunk longer than the scratch buffer: its extremes are gathered piece by piece, from the
+    // same start values as a chunk taken whole.
     std::vector<float> run(kReadRunSamples);
     for (std::size_t chunk = 0; chunk < chunks; ++chunk) {
-        float lowest = 0, highest = 0;
+        float lowest = 2147483648.0f, highest = -2147483648.0f;
         for (std::size_t done = 0; done < chunkSize;) {
             const std::size_t now = std::min(kReadRunSamples, chunkSize - done);
             if (!readFloats(stream, run.data(), now)) return false;
-            float extremes[2];
-            LONG at = 0;
-            if (FAILED(CMeasurement::ComputeMinMax(run.data(), static_cast<LONG>(now), extremes, 2, at))) return false;
-            lowest = done == 0 ? extremes[0] : std::min(lowest, extremes[0]);
-            highest = done == 0 ? extremes[1] : std::max(highest, extremes[1]);
+            floatExtremes(run.data(), now, lowest, highest);
             done += now;
         }
         if (position < 0 || position + 2 > outSize) return false;
@@ -97,10 +95,7 @@ HRESULT CMeasurement::ComputeMinMax(const float* in, LONG n, float* out, LONG ou
     if (position < 0 || position > outSize - 2) return E_INVALIDARG;
     float highest = -2147483648.0f;
     float lowest = 2147483648.0f;
-    for (LONG i = 0; i < n; ++i) {
-        if (in[i] > highest) highest = in[i];
-        if (in[i] < lowest) lowest = in[i];
-    }
+    floatExtremes(in, static_cast<std::size_t>(n), lowest, highest);
     out[position] = lowest;
     out[position + 1] = highest;
     position += 2;
