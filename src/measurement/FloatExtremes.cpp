@@ -6,44 +6,81 @@ namespace nvdl {
 
 namespace {
 
-// Four lanes of the baseline vector unit; each comparison and choice below is one instruction.
-typedef float Lanes __attribute__((vector_size(16)));
-constexpr std::size_t kLanes = 4;
-constexpr std::size_t kStreams = 4;  // independent accumulators, so that no step waits on the last
-
-Lanes load(const float* p) {
-    Lanes v;
-    std::memcpy(&v, p, sizeof v);
-    return v;
+// The pass over whole groups of vectors, for a vector type V of W lanes: four independent pairs of
+// accumulators, so that no step waits on the one before; each comparison and choice is one
+// instruction. The values before `done` are taken; the caller takes the rest.
+template <class V, std::size_t W>
+__attribute__((always_inline)) inline std::size_t vectorExtremes(const float* in, std::size_t n, float& lowest,
+                                                                  float& highest) {
+    if (n < 4 * W) return 0;
+    V startLow, startHigh;
+    for (std::size_t k = 0; k < W; ++k) {
+        startLow[k] = lowest;
+        startHigh[k] = highest;
+    }
+    V lo0 = startLow, lo1 = startLow, lo2 = startLow, lo3 = startLow;
+    V hi0 = startHigh, hi1 = startHigh, hi2 = startHigh, hi3 = startHigh;
+    std::size_t i = 0;
+    for (; i + 4 * W <= n; i += 4 * W) {
+        V a, b, c, d;
+        std::memcpy(&a, in + i, sizeof a);
+        std::memcpy(&b, in + i + W, sizeof b);
+        std::memcpy(&c, in + i + 2 * W, sizeof c);
+        std::memcpy(&d, in + i + 3 * W, sizeof d);
+        lo0 = a < lo0 ? a : lo0;
+        hi0 = a > hi0 ? a : hi0;
+        lo1 = b < lo1 ? b : lo1;
+        hi1 = b > hi1 ? b : hi1;
+        lo2 = c < lo2 ? c : lo2;
+        hi2 = c > hi2 ? c : hi2;
+        lo3 = d < lo3 ? d : lo3;
+        hi3 = d > hi3 ? d : hi3;
+    }
+    lo0 = lo1 < lo0 ? lo1 : lo0;
+    lo2 = lo3 < lo2 ? lo3 : lo2;
+    const V lo = lo2 < lo0 ? lo2 : lo0;
+    hi0 = hi1 > hi0 ? hi1 : hi0;
+    hi2 = hi3 > hi2 ? hi3 : hi2;
+    const V hi = hi2 > hi0 ? hi2 : hi0;
+    for (std::size_t k = 0; k < W; ++k) {
+        if (lo[k] < lowest) lowest = lo[k];
+        if (hi[k] > highest) highest = hi[k];
+    }
+    return i;
 }
+
+typedef float Lanes4 __attribute__((vector_size(16)));
+
+std::size_t baselineExtremes(const float* in, std::size_t n, float& lowest, float& highest) {
+    return vectorExtremes<Lanes4, 4>(in, n, lowest, highest);
+}
+
+#if defined(__x86_64__)
+typedef float Lanes8 __attribute__((vector_size(32)));
+
+__attribute__((target("avx2"))) std::size_t avx2Extremes(const float* in, std::size_t n, float& lowest,
+                                                         float& highest) {
+    return vectorExtremes<Lanes8, 8>(in, n, lowest, highest);
+}
+
+using Pass = std::size_t (*)(const float*, std::size_t, float&, float&);
+// Chosen once, by what the processor runs.
+const Pass kVectorPass = __builtin_cpu_supports("avx2") ? avx2Extremes : baselineExtremes;
+#else
+constexpr auto kVectorPass = baselineExtremes;
+#endif
 
 }  // namespace
 
-void floatExtremes(const float* in, std::size_t n, float& lowest, float& highest) {
-    std::size_t i = 0;
-    if (n >= kLanes * kStreams) {
-        Lanes lo[kStreams], hi[kStreams];
-        for (std::size_t s = 0; s < kStreams; ++s) {
-            lo[s] = Lanes{lowest, lowest, lowest, lowest};
-            hi[s] = Lanes{highest, highest, highest, highest};
-        }
-        for (; i + kLanes * kStreams <= n; i += kLanes * kStreams) {
-            for (std::size_t s = 0; s < kStreams; ++s) {
-                Lanes v = load(in + i + s * kLanes);
-                lo[s] = v < lo[s] ? v : lo[s];
-                hi[s] = v > hi[s] ? v : hi[s];
-            }
-        }
-        for (std::size_t s = 0; s < kStreams; ++s)
-            for (std::size_t k = 0; k < kLanes; ++k) {
-                if (lo[s][k] < lowest) lowest = lo[s][k];
-                if (hi[s][k] > highest) highest = hi[s][k];
-            }
+void floatExtremes(const float* in, std::size_t n, float& lowestSoFar, float& highestSoFar) {
+    float lowest = lowestSoFar, highest = highestSoFar;
+    for (std::size_t i = kVectorPass(in, n, lowest, highest); i < n; ++i) {
+        const float x = in[i];
+        lowest = x < lowest ? x : lowest;
+        highest = x > highest ? x : highest;
     }
-    for (; i < n; ++i) {
-        if (in[i] < lowest) lowest = in[i];
-        if (in[i] > highest) highest = in[i];
-    }
+    lowestSoFar = lowest;
+    highestSoFar = highest;
 }
 
 }  // namespace nvdl
