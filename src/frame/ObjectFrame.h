@@ -30,6 +30,7 @@ std::string noPropertyPutMessage(BSTR name);
 //   static constexpr IID kModifiedParents[] = {IID_IMeasurement, ...}; (the Modified climb, in order)
 //   static HRESULT Copy(Interface* source, Interface* target);         (Copy and Clone)
 //   a default constructor reachable by the frame                       (Clone)
+//   static constexpr bool kCountedByServer = false;                    (an object of another server)
 template <class Derived, class Interface>
 class CObjectFrame : public Interface, public CFrameBase {
 public:
@@ -127,7 +128,7 @@ public:
     // its own overrides these and never reaches the other branch.
     HRESULT Copy(Interface* target) {
         if (!target) return E_POINTER;
-        if constexpr (kCopies) return Derived::Copy(static_cast<Interface*>(this), target);
+        if constexpr (copies()) return Derived::Copy(static_cast<Interface*>(this), target);
         else return E_NOTIMPL;
     }
     // A new object of the class with this one's properties, through its public setters; no parent
@@ -135,7 +136,7 @@ public:
     HRESULT Clone(Interface** copy) {
         if (!copy) return E_POINTER;
         *copy = nullptr;
-        if constexpr (kCopies && requires { new Derived; }) {
+        if constexpr (copies() && requires { new Derived; }) {
             auto* fresh = new Derived;
             Derived::Copy(static_cast<Interface*>(this), static_cast<Interface*>(fresh));
             *copy = fresh;
@@ -156,11 +157,11 @@ public:
 protected:
     explicit CObjectFrame(const IID& iid) : m_pIID(&iid) {
         if constexpr (requires { Interface::interfaceName; }) (void)s_description;
-        ++g_nObjects;
+        if constexpr (counted()) ++g_nObjects;
     }
     ~CObjectFrame() override {
         if (m_pTypeInfo) m_pTypeInfo->Release();
-        --g_nObjects;
+        if constexpr (counted()) --g_nObjects;
     }
 
     // Persistence companions and other interfaces beyond the main one.
@@ -254,7 +255,14 @@ protected:
     WeakParent m_parent;
 
 private:
-    static constexpr bool kCopies = requires(Interface* a) { Derived::Copy(a, a); };
+    // Objects of the servers that this one calls (the unit service) live beside the client's objects
+    // and do not keep the module loaded: a class says so by `kCountedByServer = false`.
+    // Functions, so that they are asked only once the class is complete.
+    static constexpr bool counted() {
+        if constexpr (requires { Derived::kCountedByServer; }) return Derived::kCountedByServer;
+        else return true;
+    }
+    static constexpr bool copies() { return requires(Interface* a) { Derived::Copy(a, a); }; }
     static inline const InterfaceDescription& s_description = describeInterface<Interface>();
 };
 

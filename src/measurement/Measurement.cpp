@@ -8,7 +8,6 @@
 
 #include "frame/ClassTable.h"
 #include "frame/LateBound.h"
-#include "frame/RecycledBlocks.h"
 #include "measurement/MeasurementBlockWriter.h"
 #include "platform/CodePage.h"
 #include "platform/DebugTrace.h"
@@ -69,14 +68,6 @@ CMeasurement::~CMeasurement() {
     releaseDimensions();
     if (m_fields) m_fields->Release();
 }
-
-namespace {
-using MeasurementBlocks = RecycledBlocks<sizeof(CMeasurement)>;
-}  // namespace
-
-void* CMeasurement::operator new(std::size_t size) { return MeasurementBlocks::take(size); }
-
-void CMeasurement::operator delete(void* block, std::size_t size) noexcept { MeasurementBlocks::give(block, size); }
 
 IDispatch* CMeasurement::create() { return createMeasurement()->dispatch(); }
 

@@ -44,10 +44,6 @@ public:
     static constexpr const char* kClassName = "CMeasurement";
     static constexpr IID kModifiedParents[] = {IID_IWorkspace};
 
-    // Every operator makes a new measurement, and a block-wise analysis runs operators on each
-    // block: their memory is recycled.
-    static void* operator new(std::size_t size);
-    static void operator delete(void* block, std::size_t size) noexcept;
 
     static IDispatch* create();
     static CMeasurement* createMeasurement();

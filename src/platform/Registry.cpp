@@ -10,7 +10,6 @@
 #include <string_view>
 
 #include "platform/DebugTrace.h"
-#include "platform/FileChangeWatch.h"
 #include "platform/RegistryDefaults.h"
 #include "platform/RegistryText.h"
 #include "platform/RegistryTree.h"
@@ -99,28 +98,9 @@ bool isRacy(const FileStamp& stamp, const std::timespec& loadedAt) {
     return recent(stamp.modified) || recent(stamp.changed);
 }
 
-// Where the store path comes from: the start from the environment and a fixed tail, so that the
-// path can be compared with the one read last without building it.
-struct StorePathParts {
-    std::string_view head;
-    std::string_view tail;
-
-    bool operator==(std::string_view path) const {
-        return path.size() == head.size() + tail.size() && path.starts_with(head) && path.ends_with(tail);
-    }
-};
-
 const char* nonEmptyEnv(const char* name) {
     const char* value = std::getenv(name);
     return value != nullptr && value[0] != '\0' ? value : nullptr;
-}
-
-StorePathParts storePathParts() {
-    if (const char* explicitPath = nonEmptyEnv("NVDL_REGISTRY")) return {explicitPath, {}};
-    const char* configHome = nonEmptyEnv("XDG_CONFIG_HOME");
-    if (configHome != nullptr && configHome[0] == '/') return {configHome, "/nvdl/registry.txt"};
-    if (const char* home = nonEmptyEnv("HOME")) return {home, "/.config/nvdl/registry.txt"};
-    return {};
 }
 
 // The parsed file as it was at the last read, with what identifies that state of the file.
@@ -135,15 +115,12 @@ public:
     }
 
 private:
+    // The file is parsed again only when its stamp differs from the one read last, or when it was
+    // written so shortly before that read that a later write could have kept the stamp.
     void refresh() {
-        // While the watch is armed on the same path and has heard of nothing, the file is as read.
-        if (loaded_ && watching_ && storePathParts() == path_ && !watch_.mayHaveChanged()) return;
         const std::timespec readAt = now();
         std::string path = storePath();
         const bool samePath = loaded_ && path == path_;
-        // Armed before the file is looked at, so that a change made from here on is heard of. A
-        // path that cannot be watched is looked at on every read until the path changes.
-        if (!samePath || watching_) watching_ = watch_.arm(path);
         const FileStamp stamp = stampOf(path);
         if (samePath && stamp == stamp_) {
             if (!isRacy(stamp_, loadedAt_)) return;
@@ -164,8 +141,6 @@ private:
     std::mutex mutex_;
     bool loaded_ = false;
     std::string path_;
-    FileChangeWatch watch_;
-    bool watching_ = false;
     FileStamp stamp_;
     std::timespec loadedAt_{};
     std::string bytes_;
@@ -183,12 +158,11 @@ bool isRoot(std::string_view key) { return key.find_first_not_of('\\') == std::s
 }  // namespace
 
 std::string storePath() {
-    const StorePathParts parts = storePathParts();
-    std::string path;
-    path.reserve(parts.head.size() + parts.tail.size());
-    path += parts.head;
-    path += parts.tail;
-    return path;
+    if (const char* explicitPath = nonEmptyEnv("NVDL_REGISTRY")) return explicitPath;
+    const char* configHome = nonEmptyEnv("XDG_CONFIG_HOME");
+    if (configHome != nullptr && configHome[0] == '/') return std::string(configHome) + "/nvdl/registry.txt";
+    if (const char* home = nonEmptyEnv("HOME")) return std::string(home) + "/.config/nvdl/registry.txt";
+    return {};
 }
 
 std::optional<std::string> readString(Hive hive, std::string_view key, std::string_view valueName) {

@@ -197,9 +197,11 @@ namespace {
 
 class TypeLibrary final : public ITypeLib {
 public:
+    // Never destroyed: objects released during the module's own teardown still let go of their
+    // descriptions.
     static TypeLibrary& instance() {
-        static TypeLibrary library;
-        return library;
+        static TypeLibrary* library = new TypeLibrary;
+        return *library;
     }
     HRESULT QueryInterface(REFIID riid, void** ppv) override {
         if (!ppv) return E_POINTER;

@@ -17,12 +17,13 @@ namespace {
 
 IUnitService* g_unitService = nullptr;  // the module's one reference
 
-// NVDL_UNIT_SERVICE=0 stands for a system where the unit service is not running and cannot be
-// started. It is looked at on every use, as the running objects would be, and costs no system call:
-// the dimension rules of the operators ask for the service on every block of a block-wise analysis.
+// A system where the unit service is not running and cannot be started: "UnitService"="0" under
+// the settings key, or NVDL_UNIT_SERVICE=0 in the environment, which overrides the setting either
+// way. Both are looked at on every use, as the running service would be.
 bool serviceSwitchedOff() {
-    const char* setting = std::getenv("NVDL_UNIT_SERVICE");
-    return setting != nullptr && std::string_view(setting) == "0";
+    if (const char* override = std::getenv("NVDL_UNIT_SERVICE")) return std::string_view(override) == "0";
+    std::optional<std::string> setting = registry::readSetting("UnitService");
+    return setting && *setting == "0";
 }
 
 template <class Interface>
@@ -93,6 +94,15 @@ void ReleaseUnitService() {
     if (g_unitService) g_unitService->Release();
     g_unitService = nullptr;
 }
+
+namespace {
+
+// The module's reference goes when the module is let go of.
+struct ReleasedAtDetach {
+    ~ReleasedAtDetach() { ReleaseUnitService(); }
+} g_releasedAtDetach;
+
+}  // namespace
 
 IDimensions* GetDimensions() {
     Held<IUnitService> service(GetOrCreateUnitService());

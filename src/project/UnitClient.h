@@ -1,13 +1,15 @@
 // The client side of the unit service: finding the service and reading its dimensions and units.
 //
-// "No service" is a normal state: when the setting `UnitService` under the settings key is "0" the
-// service is switched off, and then every helper here answers nothing (null, empty text, -1 or
+// "No service" is a normal state: when the setting `UnitService` under the settings key is "0" (or
+// the environment says NVDL_UNIT_SERVICE=0, which overrides the setting) the service is switched
+// off, and then every helper here answers nothing (null, empty text, -1 or
 // false as told below) without raising a message. Callers treat it as a measurement without unit
 // objects.
 //
 // Every helper that answers an interface pointer gives one counted reference (the caller releases
 // it) or null. Every helper accepts null objects and then answers nothing. Texts are 8-bit in the
-// system code page.
+// system code page. The service's objects belong to the service, not to the client: they do not
+// count as live objects of this server, and the module lets go of the service when it is unloaded.
 #pragma once
 
 #include <array>

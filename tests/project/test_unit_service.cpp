@@ -6,6 +6,9 @@
 
 #include "../frame/TestHelpers.h"
 #include "SettingsFileTest.h"
+#include "frame/LateBound.h"
+#include "frame/ServerEntry.h"
+#include "nvdl/nvdl.h"
 #include "platform/Registry.h"
 #include "project/UnitClient.h"
 #include "project/units/ShippedUnitsFile.h"
@@ -159,9 +162,11 @@ TEST_F(UnitServiceTest, CreateDimensionBuildsFromItsFourProperties) {
 }
 
 TEST_F(UnitServiceTest, SwitchedOffServiceAnswersNothingAndRaisesNothing) {
+    env_.set("NVDL_UNIT_SERVICE", std::nullopt);
     Ref before(DimensionFromText("m", false));
     ASSERT_TRUE(before.p);
-    env_.set("NVDL_UNIT_SERVICE", "0");
+    const std::string key = std::string("HKEY_CURRENT_USER\\") + registry::kSettingsKey;
+    writeSettings({{key, {{"UnitService", "0"}}}});
     EXPECT_EQ(GetUnitService(), nullptr);
     EXPECT_EQ(GetOrCreateUnitService(), nullptr);
     EXPECT_EQ(GetDimensions(), nullptr);
@@ -174,9 +179,36 @@ TEST_F(UnitServiceTest, SwitchedOffServiceAnswersNothingAndRaisesNothing) {
     EXPECT_EQ(SquareRootDimension(before.p), nullptr);
     EXPECT_EQ(UnitOfDimension(before.p, "m"), nullptr);
     EXPECT_EQ(peekErrorInfo(), nullptr);
+    // The environment overrides the setting either way.
     env_.set("NVDL_UNIT_SERVICE", "1");
     Ref back(GetUnitService());
     EXPECT_TRUE(back.p);  // the module's instance was kept
+    env_.set("NVDL_UNIT_SERVICE", std::nullopt);
+    EXPECT_EQ(GetUnitService(), nullptr);
+    writeSettings({{key, {{"UnitService", "1"}}}});
+    Ref again(GetUnitService());
+    EXPECT_TRUE(again.p);
+    env_.set("NVDL_UNIT_SERVICE", "0");
+    EXPECT_EQ(GetUnitService(), nullptr);
+}
+
+TEST_F(UnitServiceTest, TheServiceNeitherCountsAsALiveObjectNorKeepsTheModuleLoaded) {
+    env_.set("NVDL_UNIT_SERVICE", std::nullopt);
+    ASSERT_EQ(ObjectCount(), 0);
+    {
+        IDispatch* object = nullptr;
+        ASSERT_EQ(CreateObject(u"nv_bench.measurement", &object), S_OK);
+        ASSERT_EQ(latebound::put(object, u"YDimension", Variant::fromAnsi("Acceleration")), S_OK);
+        Variant dimension, name;
+        ASSERT_EQ(latebound::get(object, u"YdDimension", &dimension), S_OK);
+        ASSERT_EQ(latebound::get(dimension.pdispVal, u"Name", &name), S_OK);
+        EXPECT_GT(ObjectCount(), 0);
+        object->Release();
+    }
+    EXPECT_EQ(ObjectCount(), 0);
+    EXPECT_EQ(DllCanUnloadNow(), S_OK);
+    Ref service(GetUnitService());
+    EXPECT_TRUE(service.p) << "the module keeps its service until it is unloaded";
 }
 
 TEST_F(UnitServiceTest, NullObjectsAnswerNothing) {

@@ -11,6 +11,7 @@ namespace nvdl::units {
 
 class CDimension final : public CObjectFrame<CDimension, IDimension> {
 public:
+    static constexpr bool kCountedByServer = false;  // an object of the unit service
     // The table's row at `index` (below the table's size).
     static CDimension* fromTable(SharedTable table, std::size_t index);
     // The table's first row with these exponents, else a new dimension named by its base units.

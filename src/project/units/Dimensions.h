@@ -9,6 +9,7 @@ namespace nvdl::units {
 
 class CDimensions final : public CObjectFrame<CDimensions, IDimensions> {
 public:
+    static constexpr bool kCountedByServer = false;  // an object of the unit service
     static CDimensions* create(SharedTable table);
 
     NVDL_IMPLEMENTS(NVDL_IDIMENSIONS_MEMBERS)

@@ -12,6 +12,7 @@ namespace nvdl::units {
 
 class CUnit final : public CObjectFrame<CUnit, IUnit> {
 public:
+    static constexpr bool kCountedByServer = false;  // an object of the unit service
     // A unit of `dimension` (counted; may be null).
     static CUnit* create(UnitRecord record, IDimension* dimension);
     ~CUnit() override;
@@ -29,6 +30,7 @@ private:
 
 class CUnits final : public CObjectFrame<CUnits, IUnits> {
 public:
+    static constexpr bool kCountedByServer = false;  // an object of the unit service
     // Takes over one reference of each unit.
     static CUnits* create(std::vector<CUnit*> units);
     ~CUnits() override;

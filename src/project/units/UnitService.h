@@ -12,6 +12,7 @@ namespace nvdl::units {
 
 class CUnitService final : public CObjectFrame<CUnitService, IUnitService> {
 public:
+    static constexpr bool kCountedByServer = false;  // an object of the unit service
     static CUnitService* create();
 
     NVDL_IMPLEMENTS(NVDL_IUNITSERVICE_MEMBERS)
