@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "nvdl/nvdl.h"
-#include "platform/CodePage.h"
 
 namespace py = pybind11;
 
@@ -47,7 +46,8 @@ private:
 
 py::object g_missing = py::none();
 
-std::u16string toWide(const std::string& utf8) { return nvdl::utf8ToUtf16(utf8); }
+// Text crosses as UTF-16 on the server's side and as str on Python's; pybind11 converts between them.
+py::object text(std::u16string_view wide) { return py::cast(std::u16string(wide)); }
 
 py::object fromVariant(const VARIANT& v);
 
@@ -62,7 +62,7 @@ py::object fromPlain(const VARIANT& v) {
         case VT_DATE: return py::float_(v.date);
         case VT_BOOL: return py::bool_(v.boolVal != 0);
         case VT_ERROR: return py::int_(static_cast<std::uint32_t>(v.scode));
-        case VT_BSTR: return py::str(nvdl::utf16ToUtf8(nvdl::bstrView(v.bstrVal)));
+        case VT_BSTR: return text(nvdl::bstrView(v.bstrVal));
         case VT_DISPATCH:
         case VT_UNKNOWN: {
             if (!v.punkVal) return py::none();
@@ -100,7 +100,7 @@ nvdl::Variant toVariant(const py::handle& value) {
         return nvdl::Variant::fromDouble(static_cast<double>(n));
     }
     if (py::isinstance<py::float_>(value)) return nvdl::Variant::fromDouble(value.cast<double>());
-    if (py::isinstance<py::str>(value)) return nvdl::Variant::fromString(toWide(value.cast<std::string>()));
+    if (py::isinstance<py::str>(value)) return nvdl::Variant::fromString(value.cast<std::u16string>());
     if (py::isinstance<Handle>(value)) return nvdl::Variant::fromDispatch(value.cast<Handle&>().get());
     if (py::isinstance<py::array>(value) || py::isinstance<py::list>(value) || py::isinstance<py::tuple>(value)) {
         auto array = py::array_t<float, py::array::c_style | py::array::forcecast>::ensure(value);
@@ -115,23 +115,23 @@ nvdl::Variant toVariant(const py::handle& value) {
 
 // A failed call: the status and what the thread's error record says about it.
 py::tuple failure(HRESULT h) {
-    std::string description, source;
+    std::u16string description, source;
     if (auto record = nvdl::takeErrorInfo()) {
-        description = nvdl::utf16ToUtf8(record->description);
-        source = nvdl::utf16ToUtf8(record->source);
+        description = record->description;
+        source = record->source;
     }
-    return py::make_tuple(static_cast<std::uint32_t>(h), description, source);
+    return py::make_tuple(static_cast<std::uint32_t>(h), text(description), text(source));
 }
 
-py::object create(const std::string& progId) {
+py::object create(const std::u16string& progId) {
     IDispatch* object = nullptr;
-    HRESULT h = nvdl::CreateObject(toWide(progId), &object);
+    HRESULT h = nvdl::CreateObject(progId, &object);
     if (FAILED(h)) return failure(h);
     return py::cast(new Handle(object), py::return_value_policy::take_ownership);
 }
 
-py::object memberId(const Handle& handle, const std::string& name) {
-    std::u16string wide = toWide(name);
+py::object memberId(const Handle& handle, const std::u16string& name) {
+    std::u16string wide = name;
     OLECHAR* names[] = {wide.data()};
     DISPID id;
     if (FAILED(handle.get()->GetIDsOfNames(IID_NULL, names, 1, 0, &id))) return py::none();

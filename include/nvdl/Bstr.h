@@ -6,7 +6,10 @@
 #include <string>
 #include <string_view>
 
+#include "nvdl/Export.h"
 #include "nvdl/Types.h"
+
+NVDL_API_BEGIN
 
 BSTR SysAllocString(const OLECHAR* text);
 BSTR SysAllocStringLen(const OLECHAR* text, unsigned length);
@@ -46,3 +49,5 @@ private:
 };
 
 }  // namespace nvdl
+
+NVDL_API_END

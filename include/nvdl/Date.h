@@ -4,7 +4,10 @@
 #include <string>
 #include <string_view>
 
+#include "nvdl/Export.h"
 #include "nvdl/Types.h"
+
+NVDL_API_BEGIN
 
 namespace nvdl {
 
@@ -21,3 +24,5 @@ struct DateParts {
 bool dateToParts(DATE date, DateParts& parts);
 
 }  // namespace nvdl
+
+NVDL_API_END

@@ -4,7 +4,10 @@
 #include <optional>
 #include <string>
 
+#include "nvdl/Export.h"
 #include "nvdl/Guid.h"
+
+NVDL_API_BEGIN
 
 namespace nvdl {
 
@@ -25,3 +28,5 @@ const ErrorRecord* peekErrorInfo();
 void clearErrorInfo();
 
 }  // namespace nvdl
+
+NVDL_API_END

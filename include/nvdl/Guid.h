@@ -6,7 +6,10 @@
 #include <string>
 #include <string_view>
 
+#include "nvdl/Export.h"
 #include "nvdl/Types.h"
+
+NVDL_API_BEGIN
 
 struct GUID {
     std::uint32_t Data1 = 0;
@@ -43,3 +46,5 @@ struct GuidHash {
 };
 
 }  // namespace nvdl
+
+NVDL_API_END

@@ -1,7 +1,10 @@
 // Status codes, numbered as the platform numbers them. Negative values are failures.
 #pragma once
 
+#include "nvdl/Export.h"
 #include "nvdl/Types.h"
+
+NVDL_API_BEGIN
 
 constexpr HRESULT hr(std::uint32_t code) { return static_cast<HRESULT>(code); }
 
@@ -74,3 +77,5 @@ constexpr HRESULT STG_E_CANTSAVE = hr(0x80030103);
 constexpr HRESULT STG_E_OLDFORMAT = hr(0x80030104);
 constexpr HRESULT STG_E_DOCFILECORRUPT = hr(0x80030109);
 constexpr HRESULT STG_E_INCOMPLETE = hr(0x80030201);
+
+NVDL_API_END

@@ -3,7 +3,10 @@
 
 #include <span>
 
+#include "nvdl/Export.h"
 #include "nvdl/Types.h"
+
+NVDL_API_BEGIN
 
 struct SAFEARRAYBOUND {
     ULONG cElements = 0;
@@ -37,3 +40,5 @@ SAFEARRAY* makeFloatArray(std::span<const float> values);
 std::span<float> floatArrayData(SAFEARRAY* array);
 
 }  // namespace nvdl
+
+NVDL_API_END

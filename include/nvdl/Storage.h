@@ -7,7 +7,10 @@
 #include <filesystem>
 #include <vector>
 
+#include "nvdl/Export.h"
 #include "nvdl/Stream.h"
+
+NVDL_API_BEGIN
 
 inline constexpr IID IID_IStorage{0x0000000B, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
@@ -79,3 +82,5 @@ HRESULT openCompoundFile(const std::filesystem::path& path, DWORD mode, IStorage
 HRESULT isCompoundFile(const std::filesystem::path& path);
 
 }  // namespace nvdl
+
+NVDL_API_END

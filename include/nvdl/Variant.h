@@ -7,8 +7,11 @@
 
 #include "nvdl/Bstr.h"
 #include "nvdl/Date.h"
+#include "nvdl/Export.h"
 #include "nvdl/HResult.h"
 #include "nvdl/SafeArray.h"
+
+NVDL_API_BEGIN
 
 struct IUnknown;
 struct IDispatch;
@@ -137,3 +140,5 @@ public:
 };
 
 }  // namespace nvdl
+
+NVDL_API_END

@@ -5,7 +5,10 @@
 // read as 0; a result has an imag array when the rule of each function below says so.
 #pragma once
 
+#include "nvdl/Export.h"
 #include "nvdl/daTypes.h"
+
+NVDL_API_BEGIN
 
 // a; imag copied when a has one.
 long daCopy(daVector a, daVector* out);
@@ -40,3 +43,5 @@ long daDifference(daVector a, daVector* out);
 long daAmplitude(daVector a, daVector* out);
 // Largest amplitude and the index of its first occurrence; 0 and 0 for an empty or all-zero vector.
 long daMaxAmpl(daVector a, float* peak, long* index);
+
+NVDL_API_END

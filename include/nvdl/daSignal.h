@@ -9,7 +9,10 @@
 
 #include <cstdint>
 
+#include "nvdl/Export.h"
 #include "nvdl/daTypes.h"
+
+NVDL_API_BEGIN
 
 // Window shapes of daWindow.
 enum daeWindow : int {
@@ -101,3 +104,5 @@ struct daRmsSource {
 // the sum, with its neighbour (three neighbours after a flattop window), and added back as its own
 // power. A loudness curve gives its integral over frequency instead of an RMS.
 long daRmsOfMeasurement(const daRmsSource& source, long first, long last, float* rms);
+
+NVDL_API_END

@@ -5,7 +5,10 @@
 // line carry half the factor of the lines between them and an imaginary part of exactly 0.
 #pragma once
 
+#include "nvdl/Export.h"
 #include "nvdl/daTypes.h"
+
+NVDL_API_BEGIN
 
 // Forward transform of a real time vector (imag must be null) into its one-sided spectrum.
 // Keeps the set-up of the last transform length for repeated blocks of one size.
@@ -24,3 +27,5 @@ long daAvgPsd(daVector a, daVector b, daVector avgPsd, daVector* out, float frac
 long daFrf(daVector cross, daVector autoPower, daVector* frf, long estimator, float threshold);
 // Ordinary coherence from crosspower and the two autopowers; real output.
 long daCoherence(daVector cross, daVector auto1, daVector auto2, daVector* coherence);
+
+NVDL_API_END

@@ -13,6 +13,10 @@
 // the last daClearErrorFlag". The store is unsynchronised: one caller at a time.
 #pragma once
 
+#include "nvdl/Export.h"
+
+NVDL_API_BEGIN
+
 struct daVector {
     float* real;
     float* imag;
@@ -33,3 +37,5 @@ long daGetErrorFlag(int* flag);
 long daGetError(char* dst, long size);
 // Clears the flag; the message text stays readable.
 long daClearErrorFlag(void);
+
+NVDL_API_END

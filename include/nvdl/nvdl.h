@@ -4,6 +4,9 @@
 
 #include "nvdl/Dispatch.h"
 #include "nvdl/ErrorInfo.h"
+#include "nvdl/Export.h"
+
+NVDL_API_BEGIN
 
 namespace nvdl {
 
@@ -14,3 +17,5 @@ HRESULT CreateObject(std::u16string_view progId, IDispatch** object);
 long ObjectCount();
 
 }  // namespace nvdl
+
+NVDL_API_END

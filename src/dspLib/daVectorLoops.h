@@ -1,14 +1,7 @@
 // Element loops of the kernel that run on every block of a block-wise analysis. Each is built twice,
-// for the baseline instruction set and for AVX2, and the loader picks the one the processor runs.
-// Only GCC gets the two builds: clang 14 leaves the resolver of an exported clone undefined in a
-// shared library, so under clang the loops are built once for the baseline.
+// for the baseline instruction set and for AVX2, and the build the processor runs is picked once at
+// load (platform/CpuFeatures.h).
 #pragma once
-
-#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__)
-#define DA_VECTOR_CLONES __attribute__((target_clones("avx2", "default")))
-#else
-#define DA_VECTOR_CLONES
-#endif
 
 // re + i·im = conj(a)·b · scale, over n complex lines given as separate real and imaginary arrays,
 // in single precision. Each product is rounded before it is summed (no fused multiply-add), so the

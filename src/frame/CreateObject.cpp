@@ -1,6 +1,6 @@
 #include "frame/ClassTable.h"
 #include "frame/ObjectCount.h"
-#include "frame/ServerEntry.h"
+#include "nvdl/ServerEntry.h"
 #include "nvdl/nvdl.h"
 
 namespace nvdl {

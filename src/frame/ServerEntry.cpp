@@ -1,4 +1,4 @@
-#include "frame/ServerEntry.h"
+#include "nvdl/ServerEntry.h"
 
 #include <map>
 #include <memory>

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "platform/CpuFeatures.h"
+
 namespace nvdl {
 
 namespace {
@@ -10,7 +12,7 @@ namespace {
 // accumulators, so that no step waits on the one before; each comparison and choice is one
 // instruction. The values before `done` are taken; the caller takes the rest.
 template <class V, std::size_t W>
-__attribute__((always_inline)) inline std::size_t vectorExtremes(const float* in, std::size_t n, float& lowest,
+NVDL_INLINE_LOOP std::size_t vectorExtremes(const float* in, std::size_t n, float& lowest,
                                                                   float& highest) {
     if (n < 4 * W) return 0;
     V startLow, startHigh;
@@ -55,26 +57,24 @@ std::size_t baselineExtremes(const float* in, std::size_t n, float& lowest, floa
     return vectorExtremes<Lanes4, 4>(in, n, lowest, highest);
 }
 
-#if defined(__x86_64__)
+#if NVDL_HAS_AVX2_BUILD
 typedef float Lanes8 __attribute__((vector_size(32)));
 
-__attribute__((target("avx2"))) std::size_t avx2Extremes(const float* in, std::size_t n, float& lowest,
-                                                         float& highest) {
+NVDL_AVX2 std::size_t avx2Extremes(const float* in, std::size_t n, float& lowest, float& highest) {
     return vectorExtremes<Lanes8, 8>(in, n, lowest, highest);
 }
-
-using Pass = std::size_t (*)(const float*, std::size_t, float&, float&);
-// Chosen once, by what the processor runs.
-const Pass kVectorPass = __builtin_cpu_supports("avx2") ? avx2Extremes : baselineExtremes;
 #else
-constexpr auto kVectorPass = baselineExtremes;
+constexpr auto avx2Extremes = baselineExtremes;
 #endif
+
+using Pass = std::size_t(const float*, std::size_t, float&, float&);
+Pass* const g_vectorPass = pickBuild<Pass>(avx2Extremes, baselineExtremes);
 
 }  // namespace
 
 void floatExtremes(const float* in, std::size_t n, float& lowestSoFar, float& highestSoFar) {
     float lowest = lowestSoFar, highest = highestSoFar;
-    for (std::size_t i = kVectorPass(in, n, lowest, highest); i < n; ++i) {
+    for (std::size_t i = g_vectorPass(in, n, lowest, highest); i < n; ++i) {
         const float x = in[i];
         lowest = x < lowest ? x : lowest;
         highest = x > highest ? x : highest;

@@ -6,7 +6,7 @@
 #include "TestObjects.h"
 #include "frame/ClassTable.h"
 #include "nvdl/Identifiers.h"
-#include "frame/ServerEntry.h"
+#include "nvdl/ServerEntry.h"
 #include "nvdl/ErrorInfo.h"
 
 namespace nvdl::test {

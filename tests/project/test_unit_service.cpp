@@ -7,7 +7,7 @@
 #include "../frame/TestHelpers.h"
 #include "SettingsFileTest.h"
 #include "frame/LateBound.h"
-#include "frame/ServerEntry.h"
+#include "nvdl/ServerEntry.h"
 #include "nvdl/nvdl.h"
 #include "platform/Registry.h"
 #include "project/UnitClient.h"

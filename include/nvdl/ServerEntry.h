@@ -2,6 +2,9 @@
 #pragma once
 
 #include "nvdl/Dispatch.h"
+#include "nvdl/Export.h"
+
+NVDL_API_BEGIN
 
 inline constexpr IID IID_IClassFactory{0x00000001, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
@@ -16,3 +19,5 @@ protected:
 HRESULT DllGetClassObject(REFCLSID clsid, REFIID riid, void** factory);
 // S_OK (0) when no object lives and no lock is held; S_FALSE (1) otherwise.
 HRESULT DllCanUnloadNow();
+
+NVDL_API_END
