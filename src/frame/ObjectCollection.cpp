@@ -196,7 +196,6 @@ HRESULT CObjectCollection::Add(IDispatch* item, VARIANT* key, VARIANT* before, V
     else if (hasAfter && afterPos >= 0 && afterPos < count) position = afterPos;
     else position = count;
     m_items.insert(m_items.begin() + position, entry);
-    entry->m_nIndex = position;
     *index = position;
 
     if (m_owner.get()) SetOwnerModified(1);
@@ -388,7 +387,6 @@ HRESULT CObjectCollection::Remove(VARIANT key) {
     if (m_owner.get()) SetOwnerModified(1);
     m_items.erase(m_items.begin() + index);
     delete entry;
-    for (std::size_t i = 0; i < m_items.size(); ++i) m_items[i]->m_nIndex = static_cast<LONG>(i);
     return S_OK;
 }
 

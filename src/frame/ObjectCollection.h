@@ -14,7 +14,6 @@ namespace nvdl {
 
 struct CCollectionEntry {
     virtual ~CCollectionEntry() = default;
-    LONG m_nIndex = -1;
     IDispatch* m_pItem = nullptr;  // one counted reference
 };
 

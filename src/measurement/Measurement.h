@@ -111,7 +111,6 @@ private:
     HRESULT dimensionName(IDispatch* dimension, BSTR* name) const;
     bool userUnitScale(IDispatch* dimension, const std::string& storageUnit, double& scale, double& offset) const;
 
-    friend class MeasurementRecordReader;
     friend class CMeasurementBlockWriter;  // a template record's paging block
     friend struct MeasurementStreamFormat;  // the stored record: paging and location fields
     friend class OperatorFrame;  // the signal operators: vectors in and out of the kernel

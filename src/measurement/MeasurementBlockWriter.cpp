@@ -7,6 +7,7 @@
 
 #include "frame/ObjectCount.h"
 #include "measurement/Measurement.h"
+#include "measurement/MeasurementHeaderRecord.h"
 #include "nvdl/IParameter.h"
 #include "platform/CodePage.h"
 #include "nvdl/Date.h"
@@ -17,19 +18,15 @@ namespace nvdl {
 
 namespace {
 
-constexpr std::size_t kBlock1Size = 920;
-constexpr std::size_t kBlock2Size = 656;
+constexpr std::size_t kBlock1Size = kHeaderSize[kHeader20021112];
+constexpr std::size_t kBlock2Size = kPagingSize;
 constexpr DWORD kCreateMode = STGM_CREATE | STGM_WRITE | STGM_SHARE_EXCLUSIVE;
 
-// Fields of the header's first block.
-constexpr std::size_t kName = 4, kFunctionType = 54, kResponseChannel = 108, kResponse = 110, kReferenceChannel = 160,
-                      kAxisType = 212, kXStart = 264, kXIncrement = 268, kXDimension = 272, kStorageUnitX = 276,
-                      kSize = 328, kYDimension = 336, kStorageUnitY = 340, kAverages = 444, kWindowParameter = 504,
-                      kMeasurementTime = 512, kAcousticWeighting = 620, kParameterTextLength = 820,
-                      kParameterCount = 840, kBandwidthCorrection = 844, kPower = 848;
-constexpr std::size_t kTextField = 50;
-// Fields of the paging block.
-constexpr std::size_t kPagingFileSamples = 636, kPagingLongFileFeature = 644, kPagingDataOffset = 648;
+// Where the fields that Finish completes lie.
+std::uint64_t headerOffset(auto member) {
+    return static_cast<std::uint64_t>(record::offsetOf(headerFields(), kHeader20021112, member));
+}
+std::uint64_t pagingOffset(auto member) { return static_cast<std::uint64_t>(record::offsetOf(pagingFields(), 0, member)); }
 
 bool equalsIgnoringCase(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(),
@@ -81,22 +78,24 @@ HRESULT parameterText(ICollection* parameters, const char16_t* name, std::string
 // The paging and location block of a template record, taken over for a record of `samples` samples
 // whose vectors begin at `dataOffset`.
 void CMeasurementBlockWriter::pagingBlockOf(const CMeasurement& source, std::uint8_t* block, std::int64_t samples, std::uint64_t dataOffset) {
-    le::put32(block, static_cast<std::uint32_t>(kTemplateTag));
-    le::put32(block + 4, static_cast<std::uint32_t>(source.m_reservedLong));
-    le::put32(block + 8, static_cast<std::uint32_t>(source.m_isUncompleted));
-    le::putF32(block + 12, source.m_compressionFactor);
-    le::put32(block + 16, static_cast<std::uint32_t>(source.m_isUsefullData));
-    le::put32(block + 20, static_cast<std::uint32_t>(source.m_currentBlock));
-    le::put32(block + 24, static_cast<std::uint32_t>(source.m_blockStartOffset));
-    le::put32(block + 28, 1);
-    le::putText(block + 32, 100, source.m_locationSubStorage);
-    le::putText(block + 132, 400, source.m_locationFile);
-    le::putText(block + 532, 100, source.m_locationStream);
-    le::put16(block + 632, static_cast<std::uint16_t>(source.m_locationInDataStorage));
-    le::put32(block + kPagingFileSamples, static_cast<std::uint32_t>(samples));
-    le::put32(block + kPagingLongFileFeature, static_cast<std::uint32_t>(source.m_longFileFeature));
-    le::put32(block + kPagingDataOffset, static_cast<std::uint32_t>(dataOffset));
-    le::put32(block + 652, static_cast<std::uint32_t>(source.m_dataLoaded));
+    MeasurementPagingRecord p;
+    p.tag = kTemplateTag;
+    p.reservedLong = source.m_reservedLong;
+    p.isUncompleted = source.m_isUncompleted;
+    p.compressionFactor = source.m_compressionFactor;
+    p.isUsefullData = source.m_isUsefullData;
+    p.currentBlock = source.m_currentBlock;
+    p.blockStartOffset = source.m_blockStartOffset;
+    p.firstBlockRead = 1;
+    p.locationSubStorage = source.m_locationSubStorage;
+    p.locationFile = source.m_locationFile;
+    p.locationStream = source.m_locationStream;
+    p.locationInDataStorage = source.m_locationInDataStorage;
+    p.fileSamples = static_cast<std::int32_t>(samples);
+    p.longFileFeature = source.m_longFileFeature;
+    p.dataOffset = static_cast<std::int32_t>(dataOffset);
+    p.dataLoaded = source.m_dataLoaded;
+    record::encode(pagingFields(), 0, p, block);
 }
 
 CMeasurementBlockWriter::CMeasurementBlockWriter() { ++g_nObjects; }
@@ -158,28 +157,29 @@ HRESULT CMeasurementBlockWriter::BeginTimeRecord(LONG blocks, LONG blockSize, do
 
     const std::string xUnitText = bstrToAnsi(xUnit), yUnitText = bstrToAnsi(yUnit);
     std::vector<std::uint8_t> header(kBlock1Size + (source ? kBlock2Size : 0), 0);
-    std::uint8_t* b = header.data();
-    le::put32(b, static_cast<std::uint32_t>(source ? kTemplateTag : kTag));
-    le::putText(b + kName, kTextField, "");
-    le::putText(b + kFunctionType, kTextField, "Time block");
-    le::put16(b + kResponseChannel, static_cast<std::uint16_t>(-1));
-    le::putText(b + kResponse, kTextField, bstrToAnsi(response));
-    le::put16(b + kReferenceChannel, static_cast<std::uint16_t>(-1));
-    le::putText(b + kAxisType, kTextField, "Equidistant");
-    le::putF32(b + kXStart, xStart);
-    le::putF32(b + kXIncrement, static_cast<float>(1.0 / sampleFrequency));
-    le::put32(b + kXDimension, static_cast<std::uint32_t>(dimensionOfUnit(xUnitText)));
-    le::putText(b + kStorageUnitX, kTextField, xUnitText);
-    le::put32(b + kSize, static_cast<std::uint32_t>(samples));
+    MeasurementHeaderRecord r;
+    r.tag = source ? kTemplateTag : kTag;
+    r.functionType = "Time block";
+    r.responseChannel = -1;
+    r.response = bstrToAnsi(response);
+    r.referenceChannel = -1;
+    r.xAxisType = "Equidistant";
+    r.xStart = xStart;
+    r.xIncrement = static_cast<float>(1.0 / sampleFrequency);
+    r.xDimension = dimensionOfUnit(xUnitText);
+    r.storageUnitX = xUnitText;
+    r.size = static_cast<std::int32_t>(samples);
     double scale = 1.0, offset = 0.0;
-    le::put32(b + kYDimension, static_cast<std::uint32_t>(dimensionOfUnit(yUnitText, &scale, &offset)));
-    le::putText(b + kStorageUnitY, kTextField, yUnitText);
-    le::put32(b + kAverages, static_cast<std::uint32_t>(-1));
-    le::putF32(b + kWindowParameter, 1.0f);
-    le::putF64(b + kMeasurementTime, localNow());
-    le::putText(b + kAcousticWeighting, kTextField, "Off");
-    le::putF32(b + kBandwidthCorrection, 1.0f);
-    le::put32(b + kPower, 1);
+    r.yDimension = dimensionOfUnit(yUnitText, &scale, &offset);
+    r.storageUnitY = yUnitText;
+    r.averages = -1;
+    r.windowParameter = 1.0f;
+    r.measurementTime = localNow();
+    r.acousticWeighting = "Off";
+    r.bandwidthCorrectionFactor = 1.0f;
+    r.power = 1;
+    std::uint8_t* b = header.data();
+    record::encode(headerFields(), kHeader20021112, r, b);
     if (source) pagingBlockOf(*source, b + kBlock1Size, samples, header.size());
 
     double factor = 1.0;
@@ -264,13 +264,14 @@ HRESULT CMeasurementBlockWriter::Finish(ICollection* parameters) {
     // The header tells the samples written, and the parameters that follow them.
     std::uint8_t field[4];
     le::put32(field, static_cast<std::uint32_t>(m_written));
-    if (HRESULT h = writeAt(kSize, field, 4); FAILED(h)) return h;
+    if (HRESULT h = writeAt(headerOffset(&MeasurementHeaderRecord::size), field, 4); FAILED(h)) return h;
     if (m_hasPagingBlock)
-        if (HRESULT h = writeAt(kBlock1Size + kPagingFileSamples, field, 4); FAILED(h)) return h;
+        if (HRESULT h = writeAt(kBlock1Size + pagingOffset(&MeasurementPagingRecord::fileSamples), field, 4); FAILED(h))
+            return h;
     le::put32(field, static_cast<std::uint32_t>(text.size()));
-    if (HRESULT h = writeAt(kParameterTextLength, field, 4); FAILED(h)) return h;
+    if (HRESULT h = writeAt(headerOffset(&MeasurementHeaderRecord::parameterTextLength), field, 4); FAILED(h)) return h;
     le::put32(field, static_cast<std::uint32_t>(count));
-    if (HRESULT h = writeAt(kParameterCount, field, 4); FAILED(h)) return h;
+    if (HRESULT h = writeAt(headerOffset(&MeasurementHeaderRecord::parameterCount), field, 4); FAILED(h)) return h;
     const std::uint64_t end = m_headerSize + static_cast<std::uint64_t>(m_written) * 4;
     if (FAILED(m_stream->SetSize(end))) return E_FAIL;
     if (!text.empty())

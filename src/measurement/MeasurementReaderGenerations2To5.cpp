@@ -3,7 +3,6 @@
 // complex, X on an axis with an X vector (19970819), and parameters as 200-byte records (19970805 on).
 #include "measurement/Measurement.h"
 #include "measurement/MeasurementStreamFormat.h"
-#include "platform/LittleEndian.h"
 
 namespace nvdl {
 
@@ -13,24 +12,19 @@ namespace {
 
 struct OldGeneration {
     LONG tag;
-    std::size_t blockSize;
-    const MeasurementHeaderLayout* layout;
+    HeaderLayout layout;
     bool parameters;
     bool xVector;
 };
 
 const OldGeneration kGenerations[4] = {
-    {k19960905, 512, &kLayoutGeneration2, false, false},
-    {k19970312, 816, &kLayoutGeneration3, false, false},
-    {k19970805, 816, &kLayoutGeneration4, true, false},
-    {k19970819, 816, &kLayoutGeneration4, true, true},
+    {k19960905, kHeader19960905, false, false},
+    {k19970312, kHeader19970312, false, false},
+    {k19970805, kHeader19970805, true, false},
+    {k19970819, kHeader19970805, true, true},
 };
 
 constexpr std::size_t kLargestBlock = 816;
-constexpr int kSizeField = 324;
-constexpr int kComplexField = 328;
-constexpr int kAxisField = 208;
-constexpr int kParameterCountField = 812;
 
 }  // namespace
 
@@ -43,20 +37,22 @@ HRESULT MeasurementStreamFormat::readGenerations2To5(CMeasurement& m, IStream* s
     HRESULT h = cursor.open(stream);
     if (FAILED(h)) return h;
     std::uint8_t block[kLargestBlock];
-    if (FAILED(cursor.read(block, g.blockSize))) return E_FAIL;
+    if (FAILED(cursor.read(block, kHeaderSize[g.layout]))) return E_FAIL;
+    MeasurementHeaderRecord header;
+    record::decode(headerFields(), g.layout, block, header);
 
-    const LONG size = le::i32(block + kSizeField);
-    const bool imaginary = le::i32(block + kComplexField) != 0;
-    const bool xVector = g.xVector && axisHasXVector(storedAxis(block + kAxisField));
+    const LONG size = header.size;
+    const bool imaginary = header.complex != 0;
+    const bool xVector = g.xVector && axisHasXVector(storedAxis(header.xAxisType));
     if (!holdsSamples(cursor, size, 1 + (imaginary ? 1 : 0) + (xVector ? 1 : 0))) return E_FAIL;
 
     takeFormatVersion(m, g.tag);
-    if (FAILED(h = applyHeader(m, block, *g.layout, false))) return h;
+    if (FAILED(h = applyHeader(m, header, g.layout, false))) return h;
     if (FAILED(h = setDataOffset(m, cursor.position()))) return h;
     if (FAILED(h = readVectorsIntoMemory(m, cursor, size, imaginary, xVector))) return h;
     m.m_fileSamples = std::max<LONG>(size, 0);
     if (!g.parameters) return S_OK;
-    return readParameterRecords(m, stream, cursor, le::i32(block + kParameterCountField));
+    return readParameterRecords(m, stream, cursor, header.parameterCount);
 }
 
 }  // namespace nvdl

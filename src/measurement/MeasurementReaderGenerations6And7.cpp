@@ -3,7 +3,6 @@
 // vectors; the parameters as text pairs.
 #include "measurement/Measurement.h"
 #include "measurement/MeasurementStreamFormat.h"
-#include "platform/LittleEndian.h"
 
 namespace nvdl {
 
@@ -11,36 +10,32 @@ using namespace measurement_tag;
 
 namespace {
 
-constexpr std::size_t kBlockSize6 = 848;
-constexpr std::size_t kBlockSize7 = 856;
-constexpr int kTagField = 0;
-constexpr int kSizeField = 328;
-constexpr int kComplexField = 332;
-constexpr int kAxisField = 212;
-constexpr int kParameterTextLengthField = 820;
-constexpr int kParameterCountField = 840;
+constexpr std::size_t kLargestBlock = kHeaderSize[kHeader19991006];
 
 }  // namespace
 
 HRESULT MeasurementStreamFormat::readGenerations6And7(CMeasurement& m, IStream* stream, int generation, LONG helperTag) {
     if (!stream) return E_POINTER;
     if (helperTag != (generation == 6 ? k19990222 : k19991006)) return E_FAIL;
-    const std::size_t blockSize = generation == 6 ? kBlockSize6 : kBlockSize7;
+    const HeaderLayout layout = generation == 6 ? kHeader19990222 : kHeader19991006;
+    const std::size_t blockSize = kHeaderSize[layout];
     StreamCursor cursor;
     HRESULT h = cursor.open(stream);
     if (FAILED(h)) return h;
     const std::uint64_t start = cursor.position();
-    std::uint8_t block[kBlockSize7];
+    std::uint8_t block[kLargestBlock];
     if (FAILED(cursor.read(block, blockSize))) return E_FAIL;
+    MeasurementHeaderRecord header;
+    record::decode(headerFields(), layout, block, header);
 
-    const LONG size = le::i32(block + kSizeField);
-    const LONG complex = le::i32(block + kComplexField);
-    const LONG axis = storedAxis(block + kAxisField);
+    const LONG size = header.size;
+    const LONG complex = header.complex;
+    const LONG axis = storedAxis(header.xAxisType);
     const bool imaginary = complex != 0, xVector = axisHasXVector(axis);
     if (!holdsSamples(cursor, size, 1 + (imaginary ? 1 : 0) + (xVector ? 1 : 0))) return E_FAIL;
 
-    takeFormatVersion(m, le::i32(block + kTagField));
-    if (FAILED(h = applyHeader(m, block, generation == 6 ? kLayoutGeneration6 : kLayoutGeneration7, false))) return h;
+    takeFormatVersion(m, header.tag);
+    if (FAILED(h = applyHeader(m, header, layout, false))) return h;
     if (FAILED(h = setDataOffset(m, cursor.position()))) return h;
     const std::uint64_t parametersAt =
         start + static_cast<std::uint64_t>(ComputeParametersOffset(static_cast<std::int64_t>(blockSize), size, complex, axis));
@@ -55,8 +50,7 @@ HRESULT MeasurementStreamFormat::readGenerations6And7(CMeasurement& m, IStream* 
     }
     if (inMemory && FAILED(h = readVectorsIntoMemory(m, cursor, size, imaginary, xVector))) return h;
     if (generation == 7) m.GenerateOptimizedArray();
-    return readParameterText(m, cursor, parametersAt, le::i32(block + kParameterTextLengthField),
-                             le::i32(block + kParameterCountField));
+    return readParameterText(m, cursor, parametersAt, header.parameterTextLength, header.parameterCount);
 }
 
 }  // namespace nvdl

@@ -17,13 +17,6 @@ namespace nvdl {
 
 namespace {
 
-constexpr std::size_t kTextField = 50;
-constexpr std::size_t kUserIdField = 100;
-
-Bstr textAt(const std::uint8_t* block, int offset, std::size_t size) {
-    return Bstr(std::string_view(le::text(block + offset, size)));
-}
-
 HRESULT floatVariant(const std::vector<float>& values, Variant& into) {
     into.parray = makeFloatArray(values);
     if (!into.parray) return E_OUTOFMEMORY;
@@ -32,37 +25,6 @@ HRESULT floatVariant(const std::vector<float>& values, Variant& into) {
 }
 
 }  // namespace
-
-const MeasurementHeaderLayout kLayoutGeneration2 = {
-    0, 50, 104, 106, 156, 158, 208, 260, 264, 268, 272, 324, 328, 332, 336, 386, 436, 440, 444, 448, 500, 504,
-    -1, -1, -1, -1, -1,
-    -1, -1, -1, -1, -1, -1, -1, -1, -1, -1,
-};
-const MeasurementHeaderLayout kLayoutGeneration3 = {
-    0, 50, 104, 106, 156, 158, 208, 260, 264, 268, 272, 324, 328, 332, 336, 386, 436, 440, 444, 448, 500, 504,
-    512, 562, 612, 662, 712,
-    -1, -1, -1, -1, -1, -1, -1, -1, -1, -1,
-};
-const MeasurementHeaderLayout kLayoutGeneration4 = {
-    0, 50, 104, 106, 156, 158, 208, 260, 264, 268, 272, 324, 328, 332, 336, 386, 436, 440, 444, 448, 500, 504,
-    512, 562, 612, 662, 712,
-    -1, -1, -1, -1, -1, 812, -1, -1, -1, -1,
-};
-const MeasurementHeaderLayout kLayoutGeneration6 = {
-    4, 54, 108, 110, 160, 162, 212, 264, 268, 272, 276, 328, 332, 336, 340, 390, 440, 444, 448, 452, 504, 512,
-    520, 570, 620, 670, 720,
-    820, 824, 828, 832, 836, 840, -1, -1, -1, -1,
-};
-const MeasurementHeaderLayout kLayoutGeneration7 = {
-    4, 54, 108, 110, 160, 162, 212, 264, 268, 272, 276, 328, 332, 336, 340, 390, 440, 444, 448, 452, 504, 512,
-    520, 570, 620, 670, 720,
-    820, 824, 828, 832, 836, 840, 844, 848, -1, -1,
-};
-const MeasurementHeaderLayout kLayoutGeneration8 = {
-    4, 54, 108, 110, 160, 162, 212, 264, 268, 272, 276, 328, 332, 336, 340, 390, 440, 444, 448, 452, 504, 512,
-    520, 570, 620, 670, 720,
-    820, 824, 828, 832, 836, 840, 844, 848, 852, 856,
-};
 
 HRESULT MeasurementStreamFormat::setDimensionByIndex(IDispatch*& slot, LONG index, bool strict) {
     IDispatch* found = DimensionAtIndex(index);
@@ -85,56 +47,59 @@ HRESULT MeasurementStreamFormat::setYDimensionByIndex(CMeasurement& m, LONG inde
     return h;
 }
 
-HRESULT MeasurementStreamFormat::applyHeader(CMeasurement& m, const std::uint8_t* b, const MeasurementHeaderLayout& l,
+HRESULT MeasurementStreamFormat::applyHeader(CMeasurement& m, const MeasurementHeaderRecord& r, HeaderLayout layout,
                                              bool strictDimensions) {
     // A setter's refusal of a stored value leaves that property as it was; only an unknown
-    // dimension index fails the read, and only when asked.
-    auto enumerated = [&](HRESULT (CMeasurement::*put)(VARIANT), int offset) {
-        (m.*put)(Variant::fromAnsi(le::text(b + offset, kTextField)));
+    // dimension index fails the read, and only when asked. The order of the setters is the order in
+    // which each one finds what it depends on already in place.
+    const auto stored = [&](auto member) { return record::stores(headerFields(), layout, member); };
+    const auto enumerated = [&](HRESULT (CMeasurement::*put)(VARIANT), const std::string& text) {
+        (m.*put)(Variant::fromAnsi(text));
     };
-    auto text = [&](HRESULT (CMeasurement::*put)(BSTR), int offset, std::size_t size) {
-        (m.*put)(textAt(b, offset, size).get());
+    const auto text = [&](HRESULT (CMeasurement::*put)(BSTR), const std::string& value) {
+        (m.*put)(Bstr(std::string_view(value)).get());
     };
+    using H = MeasurementHeaderRecord;
     HRESULT h;
 
-    text(&CMeasurement::put_Name, l.name, kTextField);
-    enumerated(&CMeasurement::put_FunctionType, l.functionType);
-    text(&CMeasurement::put_Response, l.response, kTextField);
-    m.put_ResponseChannel(le::i16(b + l.responseChannel));
-    text(&CMeasurement::put_Reference, l.reference, kTextField);
-    m.put_ReferenceChannel(le::i16(b + l.referenceChannel));
-    m.put_Complex(le::i32(b + l.complex) != 0 ? VARIANT_TRUE : VARIANT_FALSE);
-    if (l.overload >= 0) m.put_Overload(le::i32(b + l.overload));
-    if (l.usage >= 0) m.put_Usage(le::i32(b + l.usage));
-    if (FAILED(h = setDimensionByIndex(m.m_xdDimension, le::i32(b + l.xDimension), strictDimensions))) return h;
-    text(&CMeasurement::put_StorageUnitX, l.storageUnitX, kTextField);
-    enumerated(&CMeasurement::put_XAxisType, l.xAxisType);
-    m.put_XStart(le::f32(b + l.xStart));
-    m.put_XIncrement(le::f32(b + l.xIncrement));
-    if (FAILED(h = setYDimensionByIndex(m, le::i32(b + l.yDimension), strictDimensions))) return h;
-    text(&CMeasurement::put_StorageUnitY, l.storageUnitY, kTextField);
-    enumerated(&CMeasurement::put_AveragingType, l.averagingType);
-    m.put_AveragingParameter(le::f32(b + l.averagingParameter));
-    m.put_Averages(le::i16(b + l.averages));
-    m.put_Overlap(le::f32(b + l.overlap));
-    enumerated(&CMeasurement::put_WindowType, l.windowType);
-    m.put_WindowParameter(le::f32(b + l.windowParameter));
-    m.put_MeasurementTime(le::f64(b + l.measurementTime));
-    if (l.testId >= 0) {
-        text(&CMeasurement::put_TestId, l.testId, kTextField);
-        text(&CMeasurement::put_FunctionQualifier, l.functionQualifier, kTextField);
-        text(&CMeasurement::put_AcousticWeighting, l.acousticWeighting, kTextField);
-        text(&CMeasurement::put_Environment, l.environment, kTextField);
-        text(&CMeasurement::put_UserId, l.userId, kUserIdField);
+    text(&CMeasurement::put_Name, r.name);
+    enumerated(&CMeasurement::put_FunctionType, r.functionType);
+    text(&CMeasurement::put_Response, r.response);
+    m.put_ResponseChannel(r.responseChannel);
+    text(&CMeasurement::put_Reference, r.reference);
+    m.put_ReferenceChannel(r.referenceChannel);
+    m.put_Complex(r.complex != 0 ? VARIANT_TRUE : VARIANT_FALSE);
+    if (stored(&H::overload)) m.put_Overload(r.overload);
+    if (stored(&H::usage)) m.put_Usage(r.usage);
+    if (FAILED(h = setDimensionByIndex(m.m_xdDimension, r.xDimension, strictDimensions))) return h;
+    text(&CMeasurement::put_StorageUnitX, r.storageUnitX);
+    enumerated(&CMeasurement::put_XAxisType, r.xAxisType);
+    m.put_XStart(r.xStart);
+    m.put_XIncrement(r.xIncrement);
+    if (FAILED(h = setYDimensionByIndex(m, r.yDimension, strictDimensions))) return h;
+    text(&CMeasurement::put_StorageUnitY, r.storageUnitY);
+    enumerated(&CMeasurement::put_AveragingType, r.averagingType);
+    m.put_AveragingParameter(r.averagingParameter);
+    m.put_Averages(r.averages);
+    m.put_Overlap(r.overlap);
+    enumerated(&CMeasurement::put_WindowType, r.windowType);
+    m.put_WindowParameter(r.windowParameter);
+    m.put_MeasurementTime(r.measurementTime);
+    if (stored(&H::testId)) {
+        text(&CMeasurement::put_TestId, r.testId);
+        text(&CMeasurement::put_FunctionQualifier, r.functionQualifier);
+        text(&CMeasurement::put_AcousticWeighting, r.acousticWeighting);
+        text(&CMeasurement::put_Environment, r.environment);
+        text(&CMeasurement::put_UserId, r.userId);
     }
-    if (l.order >= 0) {
-        m.put_Order(le::f32(b + l.order));
-        m.put_RPM(le::f32(b + l.rpm));
-        m.put_Z(le::f32(b + l.z));
-        if (FAILED(h = setDimensionByIndex(m.m_zdDimension, le::i32(b + l.zDimension), strictDimensions))) return h;
+    if (stored(&H::order)) {
+        m.put_Order(r.order);
+        m.put_RPM(r.rpm);
+        m.put_Z(r.z);
+        if (FAILED(h = setDimensionByIndex(m.m_zdDimension, r.zDimension, strictDimensions))) return h;
     }
-    if (l.bandwidthCorrectionFactor >= 0) m.put_BandwidthCorrectionFactor(le::f32(b + l.bandwidthCorrectionFactor));
-    if (l.power >= 0) m.put_Power(le::i32(b + l.power));
+    if (stored(&H::bandwidthCorrectionFactor)) m.put_BandwidthCorrectionFactor(r.bandwidthCorrectionFactor);
+    if (stored(&H::power)) m.put_Power(r.power);
     return S_OK;
 }
 
@@ -271,8 +236,8 @@ HRESULT MeasurementStreamFormat::setDataOffset(CMeasurement& m, std::uint64_t po
     return S_OK;
 }
 
-LONG MeasurementStreamFormat::storedAxis(const std::uint8_t* field) {
-    return measurementEnumTable().lookupEnum(widen(le::text(field, kTextField)));
+LONG MeasurementStreamFormat::storedAxis(const std::string& text) {
+    return measurementEnumTable().lookupEnum(widen(text));
 }
 
 bool MeasurementStreamFormat::holdsSamples(const StreamCursor& cursor, LONG size, int vectors) {

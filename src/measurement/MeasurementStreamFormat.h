@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "measurement/MeasurementHeaderRecord.h"
 #include "measurement/MeasurementPersistHelpers.h"
 #include "nvdl/Dispatch.h"
 #include "nvdl/Stream.h"
@@ -39,33 +40,14 @@ private:
     std::uint64_t m_length = 0;
 };
 
-// Field offsets of a header of generation 2 and later; -1 for a field the generation lacks.
-struct MeasurementHeaderLayout {
-    int name, functionType, responseChannel, response, referenceChannel, reference, xAxisType, xStart,
-        xIncrement, xDimension, storageUnitX, size, complex, yDimension, storageUnitY, averagingType,
-        averagingParameter, averages, overlap, windowType, windowParameter, measurementTime;
-    int testId, functionQualifier, acousticWeighting, environment, userId;
-    int parameterTextLength, order, rpm, z, zDimension, parameterCount, bandwidthCorrectionFactor, power,
-        overload, usage;
-};
-
-// Generations 2 to 5, without and with the strings of generation 3 and the count of generation 4.
-extern const MeasurementHeaderLayout kLayoutGeneration2;
-extern const MeasurementHeaderLayout kLayoutGeneration3;
-extern const MeasurementHeaderLayout kLayoutGeneration4;
-// Generations 6 to 8: the leading tag, then the current block 1 up to the generation's end.
-extern const MeasurementHeaderLayout kLayoutGeneration6;
-extern const MeasurementHeaderLayout kLayoutGeneration7;
-extern const MeasurementHeaderLayout kLayoutGeneration8;
-
 // Byte offset of the parameter text in a record whose fixed blocks are `header` bytes long: 0 for a
 // negative size or no header, else the header and the vectors stored behind it.
 std::int64_t ComputeParametersOffset(std::int64_t header, LONG size, LONG complex, LONG axis);
 
 struct MeasurementStreamFormat {
-    static constexpr std::size_t kBlock1Size = 920;
-    static constexpr std::size_t kBlock2Size = 656;
-    static constexpr std::size_t kBlock3Size = 116;
+    static constexpr std::size_t kBlock1Size = kHeaderSize[kHeader20021112];
+    static constexpr std::size_t kBlock2Size = kPagingSize;
+    static constexpr std::size_t kBlock3Size = kOriginSize;
     static constexpr std::size_t kParameterTextLimit = 9999;
 
     // Writes the record of generation 20071012.
@@ -81,7 +63,7 @@ struct MeasurementStreamFormat {
     // The header fields of a generation 2 or later block, through the setters. With
     // `strictDimensions` a dimension index that the unit table does not have gives E_FAIL; without,
     // it leaves no dimension.
-    static HRESULT applyHeader(CMeasurement& m, const std::uint8_t* block, const MeasurementHeaderLayout& layout,
+    static HRESULT applyHeader(CMeasurement& m, const MeasurementHeaderRecord& header, HeaderLayout layout,
                                bool strictDimensions);
     // A dimension by its index in the units table. Without a unit service no dimension is set and
     // the index is not checked.
@@ -111,7 +93,7 @@ struct MeasurementStreamFormat {
     // The data offset of a reader: the cursor's position, which must fit the field.
     static HRESULT setDataOffset(CMeasurement& m, std::uint64_t position);
     // The code of a stored X axis text; -1 for a text the table does not have.
-    static LONG storedAxis(const std::uint8_t* field);
+    static LONG storedAxis(const std::string& text);
     // Whether a stream holds `size` samples for each vector stored (1 to 3) behind the cursor.
     static bool holdsSamples(const StreamCursor& cursor, LONG size, int vectors);
 };
