@@ -42,6 +42,7 @@ inline bool axisHasXVector(LONG axis) { return axis >= kAxisCategories && axis <
 class CMeasurement final : public CObjectFrame<CMeasurement, IMeasurement> {
 public:
     static constexpr const char* kClassName = "CMeasurement";
+    static constexpr const CLSID& kClassId = CLSID_CMeasurement;
     static constexpr IID kModifiedParents[] = {IID_IWorkspace};
 
 

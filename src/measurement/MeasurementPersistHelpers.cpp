@@ -37,22 +37,6 @@ const IID& measurementPersistIidOfTag(LONG tag) { return *kGenerationIids[measur
 
 // Stream helper.
 
-HRESULT CMeasurementPersistStream::QueryInterface(REFIID riid, void** ppv) { return m_owner.QueryInterface(riid, ppv); }
-ULONG CMeasurementPersistStream::AddRef() { return m_owner.AddRef(); }
-ULONG CMeasurementPersistStream::Release() { return m_owner.Release(); }
-
-HRESULT CMeasurementPersistStream::GetClassID(CLSID* clsid) {
-    if (!clsid) return E_POINTER;
-    *clsid = CLSID_CMeasurement;
-    return S_OK;
-}
-
-HRESULT CMeasurementPersistStream::IsDirty() {
-    SHORT modified = 0;
-    m_owner.get_Modified(&modified);
-    return modified ? S_OK : S_FALSE;
-}
-
 HRESULT CMeasurementPersistStream::Load(IStream* stream) {
     if (!stream) return E_POINTER;
     const LONG tag = std::atol(m_tag.c_str());
@@ -89,12 +73,6 @@ HRESULT CMeasurementPersistStream::GetSizeMax(std::uint64_t* size) {
 
 // Storage helper.
 
-HRESULT CMeasurementPersistStorage::QueryInterface(REFIID riid, void** ppv) { return m_owner.QueryInterface(riid, ppv); }
-ULONG CMeasurementPersistStorage::AddRef() { return m_owner.AddRef(); }
-ULONG CMeasurementPersistStorage::Release() { return m_owner.Release(); }
-
-HRESULT CMeasurementPersistStorage::GetClassID(CLSID* clsid) { return m_standard.GetClassID(clsid); }
-HRESULT CMeasurementPersistStorage::IsDirty() { return m_standard.IsDirty(); }
 HRESULT CMeasurementPersistStorage::InitNew(IStorage*) { return STG_E_UNIMPLEMENTEDFUNCTION; }
 HRESULT CMeasurementPersistStorage::HandsOffStorage() { return STG_E_UNIMPLEMENTEDFUNCTION; }
 HRESULT CMeasurementPersistStorage::SaveCompleted(IStorage*) { return S_OK; }

@@ -24,6 +24,7 @@
 #include <array>
 #include <string>
 
+#include "frame/PersistCompanion.h"
 #include "nvdl/Persist.h"
 
 namespace nvdl {
@@ -52,15 +53,10 @@ int measurementGenerationOfTag(LONG tag);
 const IID& measurementPersistIidOfTag(LONG tag);
 
 // A stream persistence helper: Load reads the generation of its own tag, Save writes 20071012.
-class CMeasurementPersistStream final : public IPersistStream {
+class CMeasurementPersistStream final : public CPersistCompanion<CMeasurement, IPersistStream> {
 public:
-    CMeasurementPersistStream(CMeasurement& owner, const char* tag) : m_owner(owner), m_tag(tag) {}
+    CMeasurementPersistStream(CMeasurement& owner, const char* tag) : CPersistCompanion(owner), m_tag(tag) {}
 
-    HRESULT QueryInterface(REFIID riid, void** ppv) override;
-    ULONG AddRef() override;
-    ULONG Release() override;
-    HRESULT GetClassID(CLSID* clsid) override;
-    HRESULT IsDirty() override;
     HRESULT Load(IStream* stream) override;
     // Does not clear Modified whatever `clearDirty` says: the caller clears it.
     HRESULT Save(IStream* stream, int clearDirty) override;
@@ -70,23 +66,17 @@ public:
     const std::string& tag() const { return m_tag; }
 
 private:
-    CMeasurement& m_owner;
     std::string m_tag;
 };
 
 // The storage persistence helper: the record lies in the stream "Measurement" of the storage.
-class CMeasurementPersistStorage final : public IPersistStorage {
+class CMeasurementPersistStorage final : public CPersistCompanion<CMeasurement, IPersistStorage> {
 public:
     static constexpr const char16_t* kStreamName = u"Measurement";
 
     CMeasurementPersistStorage(CMeasurement& owner, CMeasurementPersistStream& standard)
-        : m_owner(owner), m_standard(standard) {}
+        : CPersistCompanion(owner), m_standard(standard) {}
 
-    HRESULT QueryInterface(REFIID riid, void** ppv) override;
-    ULONG AddRef() override;
-    ULONG Release() override;
-    HRESULT GetClassID(CLSID* clsid) override;
-    HRESULT IsDirty() override;
     HRESULT InitNew(IStorage* storage) override;
     HRESULT Load(IStorage* storage) override;
     HRESULT Save(IStorage* storage, int sameStorage) override;
@@ -94,7 +84,6 @@ public:
     HRESULT HandsOffStorage() override;
 
 private:
-    CMeasurement& m_owner;
     CMeasurementPersistStream& m_standard;
 };
 

@@ -1,11 +1,10 @@
 #include "measurement/Parameter.h"
 
-#include <algorithm>
-
 #include "frame/ClassTable.h"
 #include "frame/Resources.h"
 #include "frame/TextChecks.h"
 #include "platform/DebugTrace.h"
+#include "platform/RecordLayout.h"
 
 namespace nvdl {
 
@@ -68,56 +67,37 @@ HRESULT CParameter::Copy(IParameter* source, IParameter* target) {
 
 // Stream companion.
 
-ULONG CParameterPersistStream::AddRef() { return m_owner.AddRef(); }
-ULONG CParameterPersistStream::Release() { return m_owner.Release(); }
-HRESULT CParameterPersistStream::QueryInterface(REFIID riid, void** ppv) { return m_owner.QueryInterface(riid, ppv); }
-
-HRESULT CParameterPersistStream::GetClassID(CLSID* clsid) {
-    if (!clsid) return E_POINTER;
-    *clsid = CLSID_CParameter;
-    return S_OK;
-}
-
-HRESULT CParameterPersistStream::IsDirty() {
-    SHORT modified = 0;
-    m_owner.get_Modified(&modified);
-    return modified ? S_OK : S_FALSE;
-}
-
 namespace {
 
-// A text field of the record: at most size minus 1 characters, zero-ended, zero-filled behind.
-void putTextField(std::uint8_t* field, std::size_t size, const std::string& text) {
-    std::size_t n = std::min(text.size(), size - 1);
-    std::fill(field, field + size, 0);
-    std::copy_n(text.begin(), n, field);
-}
-
-std::string getTextField(const std::uint8_t* field, std::size_t size) {
-    std::size_t n = 0;
-    while (n < size && field[n]) ++n;
-    return std::string(reinterpret_cast<const char*>(field), std::min(n, size - 1));
-}
+using record::text;
+using ParameterField = record::Field<ParameterRecord, 1>;
+constexpr ParameterField kParameterFields[] = {
+    {text(&ParameterRecord::name, 100), {0}},
+    {text(&ParameterRecord::value, 100), {100}},
+};
+constexpr std::span<const ParameterField> kParameterTable(kParameterFields);
+static_assert(record::fitsAndDisjoint(kParameterTable, 0, CParameterPersistStream::kRecordSize));
 
 }  // namespace
 
 HRESULT CParameterPersistStream::Load(IStream* stream) {
     if (!stream) return E_POINTER;
-    std::uint8_t record[kRecordSize];
+    std::uint8_t bytes[kRecordSize];
     ULONG read = 0;
-    if (FAILED(stream->Read(record, kRecordSize, &read)) || read != kRecordSize) return E_FAIL;
-    m_owner.m_name = getTextField(record, kTextField);
-    m_owner.m_value = getTextField(record + kTextField, kTextField);
+    if (FAILED(stream->Read(bytes, kRecordSize, &read)) || read != kRecordSize) return E_FAIL;
+    ParameterRecord stored;
+    record::decode(kParameterTable, 0, bytes, stored);
+    m_owner.m_name = std::move(stored.name);
+    m_owner.m_value = std::move(stored.value);
     return S_OK;
 }
 
 HRESULT CParameterPersistStream::Save(IStream* stream, int clearDirty) {
     if (!stream) return E_POINTER;
-    std::uint8_t record[kRecordSize];
-    putTextField(record, kTextField, m_owner.m_name);
-    putTextField(record + kTextField, kTextField, m_owner.m_value);
+    std::uint8_t bytes[kRecordSize] = {};
+    record::encode(kParameterTable, 0, ParameterRecord{m_owner.m_name, m_owner.m_value}, bytes);
     ULONG written = 0;
-    HRESULT h = stream->Write(record, kRecordSize, &written);
+    HRESULT h = stream->Write(bytes, kRecordSize, &written);
     if (FAILED(h)) return h;
     if (written != kRecordSize) return STG_E_MEDIUMFULL;
     if (clearDirty) m_owner.put_Modified(0);

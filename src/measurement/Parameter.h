@@ -5,6 +5,7 @@
 #include <string>
 
 #include "frame/ObjectFrame.h"
+#include "frame/PersistCompanion.h"
 #include "nvdl/IParameter.h"
 #include "nvdl/Persist.h"
 
@@ -12,30 +13,26 @@ namespace nvdl {
 
 class CParameter;
 
-// The stream persistence companion: it has no count of its own and answers for its parameter.
-class CParameterPersistStream final : public IPersistStream {
+// The stored parameter: two text fields of 100 bytes, each cut to 99 characters and zero-ended.
+struct ParameterRecord {
+    std::string name, value;
+};
+
+// The stream persistence companion.
+class CParameterPersistStream final : public CPersistCompanion<CParameter, IPersistStream> {
 public:
     static constexpr std::size_t kRecordSize = 200;
-    static constexpr std::size_t kTextField = 100;
 
-    explicit CParameterPersistStream(CParameter& owner) : m_owner(owner) {}
-
-    HRESULT QueryInterface(REFIID riid, void** ppv) override;
-    ULONG AddRef() override;
-    ULONG Release() override;
-    HRESULT GetClassID(CLSID* clsid) override;
-    HRESULT IsDirty() override;
+    using CPersistCompanion::CPersistCompanion;
     HRESULT Load(IStream* stream) override;
     HRESULT Save(IStream* stream, int clearDirty) override;
     HRESULT GetSizeMax(std::uint64_t* size) override;
-
-private:
-    CParameter& m_owner;
 };
 
 class CParameter final : public CObjectFrame<CParameter, IParameter> {
 public:
     static constexpr const char* kClassName = "CParameter";
+    static constexpr const CLSID& kClassId = CLSID_CParameter;
     static constexpr IID kModifiedParents[] = {IID_IMeasurement, IID_IMode, IID_ISetup, IID_ISaving};
 
     static IDispatch* create();

@@ -56,7 +56,7 @@ void decodeValue(const Value<R>& v, const std::uint8_t* at, R& into) {
             else if constexpr (std::is_same_v<T, std::int32_t>) into.*member = le::i32(at);
             else if constexpr (std::is_same_v<T, float>) into.*member = le::f32(at);
             else if constexpr (std::is_same_v<T, double>) into.*member = le::f64(at);
-            else into.*member = le::text(at, v.size);
+            else into.*member = le::text(at, v.size - 1u);  // at most size - 1 characters, as written
         },
         v.member);
 }
