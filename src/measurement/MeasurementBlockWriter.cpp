@@ -8,6 +8,7 @@
 #include "frame/ObjectCount.h"
 #include "measurement/Measurement.h"
 #include "measurement/MeasurementHeaderRecord.h"
+#include "measurement/MeasurementStreamFormat.h"
 #include "nvdl/IParameter.h"
 #include "platform/CodePage.h"
 #include "nvdl/Date.h"
@@ -78,23 +79,11 @@ HRESULT parameterText(ICollection* parameters, const char16_t* name, std::string
 // The paging and location block of a template record, taken over for a record of `samples` samples
 // whose vectors begin at `dataOffset`.
 void CMeasurementBlockWriter::pagingBlockOf(const CMeasurement& source, std::uint8_t* block, std::int64_t samples, std::uint64_t dataOffset) {
-    MeasurementPagingRecord p;
+    MeasurementPagingRecord p = MeasurementStreamFormat::pagingRecord(source);
     p.tag = kTemplateTag;
-    p.reservedLong = source.m_reservedLong;
-    p.isUncompleted = source.m_isUncompleted;
-    p.compressionFactor = source.m_compressionFactor;
-    p.isUsefullData = source.m_isUsefullData;
-    p.currentBlock = source.m_currentBlock;
-    p.blockStartOffset = source.m_blockStartOffset;
-    p.firstBlockRead = 1;
-    p.locationSubStorage = source.m_locationSubStorage;
-    p.locationFile = source.m_locationFile;
-    p.locationStream = source.m_locationStream;
-    p.locationInDataStorage = source.m_locationInDataStorage;
     p.fileSamples = static_cast<std::int32_t>(samples);
     p.longFileFeature = source.m_longFileFeature;
     p.dataOffset = static_cast<std::int32_t>(dataOffset);
-    p.dataLoaded = source.m_dataLoaded;
     record::encode(pagingFields(), 0, p, block);
 }
 

@@ -52,6 +52,9 @@ struct MeasurementStreamFormat {
 
     // Writes the record of generation 20071012.
     static HRESULT write(CMeasurement& m, IStream* stream);
+    // The paging and location block of a measurement as it stands, without the tag and the counts
+    // that the writer of the block decides.
+    static MeasurementPagingRecord pagingRecord(const CMeasurement& m);
 
     static HRESULT readGeneration1(CMeasurement& m, IStream* stream, LONG helperTag);
     static HRESULT readGenerations2To5(CMeasurement& m, IStream* stream, int generation, LONG helperTag);

@@ -103,6 +103,23 @@ ParameterText parameterText(CObjectCollection& parameters) {
 
 }  // namespace
 
+MeasurementPagingRecord MeasurementStreamFormat::pagingRecord(const CMeasurement& m) {
+    MeasurementPagingRecord p;
+    p.reservedLong = m.m_reservedLong;
+    p.isUncompleted = m.m_isUncompleted;
+    p.compressionFactor = m.m_compressionFactor;
+    p.isUsefullData = m.m_isUsefullData;
+    p.currentBlock = m.m_currentBlock;
+    p.blockStartOffset = m.m_blockStartOffset;
+    p.firstBlockRead = 1;
+    p.locationSubStorage = m.m_locationSubStorage;
+    p.locationFile = m.m_locationFile;
+    p.locationStream = m.m_locationStream;
+    p.locationInDataStorage = m.m_locationInDataStorage;
+    p.dataLoaded = m.m_dataLoaded;
+    return p;
+}
+
 HRESULT MeasurementStreamFormat::write(CMeasurement& m, IStream* stream) {
     if (!stream) return E_POINTER;
     using C = CMeasurement;
@@ -155,22 +172,11 @@ HRESULT MeasurementStreamFormat::write(CMeasurement& m, IStream* stream) {
     std::uint8_t b1[kBlock1Size] = {};
     record::encode(headerFields(), kHeader20021112, r, b1);
 
-    MeasurementPagingRecord p;
+    MeasurementPagingRecord p = pagingRecord(m);
     p.tag = kWritten;
-    p.reservedLong = m.m_reservedLong;
-    p.isUncompleted = m.m_isUncompleted;
-    p.compressionFactor = m.m_compressionFactor;
-    p.isUsefullData = m.m_isUsefullData;
-    p.currentBlock = m.m_currentBlock;
-    p.blockStartOffset = m.m_blockStartOffset;
-    p.firstBlockRead = 1;
-    p.locationSubStorage = m.m_locationSubStorage;
     // The file of a complete record is not kept: its data are all in this stream.
-    p.locationFile = m.m_isUncompleted ? m.m_locationFile : std::string();
-    p.locationStream = m.m_locationStream;
-    p.locationInDataStorage = m.m_locationInDataStorage;
+    if (!m.m_isUncompleted) p.locationFile.clear();
     p.fileSamples = valueOf<LONG>(m, &C::get_FileSamples);
-    p.dataLoaded = m.m_dataLoaded;
     std::uint8_t b2[kBlock2Size] = {};
     record::encode(pagingFields(), 0, p, b2);
 
