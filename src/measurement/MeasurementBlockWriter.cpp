@@ -2,6 +2,7 @@
 #include "measurement/MeasurementBlockWriter.h"
 
 #include <algorithm>
+#include <bit>
 #include <ctime>
 #include <vector>
 
@@ -211,15 +212,25 @@ HRESULT CMeasurementBlockWriter::WriteBlock(const float* samples, LONG count, SH
     if (!samples) return E_POINTER;
     if (count < 1 || count > m_blockSize) return E_INVALIDARG;
     if (m_written + count > 0x7FFFFFFF) return E_FAIL;
-    const double factor = useCalibration == VARIANT_TRUE ? m_calibrationFactor : 1.0;
-    const double offset = useCalibration == VARIANT_TRUE ? m_offset : 0.0;
-    std::vector<std::uint8_t> scratch(static_cast<std::size_t>(count) * 4);
-    for (LONG i = 0; i < count; ++i)
-        le::putF32(scratch.data() + static_cast<std::size_t>(i) * 4, static_cast<float>(factor * samples[i] + offset));
+    const std::size_t n = static_cast<std::size_t>(count);
+    const float* out = samples;
+    // Uncalibrated samples go out as they are, on a host that stores floats little-endian; otherwise
+    // each becomes factor times sample plus offset, in double precision, in one pass the compiler
+    // vectorises, through a scratch buffer that lives for this call only.
+    std::vector<float> scratch;
+    const bool calibrated = useCalibration == VARIANT_TRUE;
+    if (calibrated || std::endian::native != std::endian::little) {
+        scratch.resize(n);
+        const double factor = calibrated ? m_calibrationFactor : 1.0, offset = calibrated ? m_offset : 0.0;
+        for (std::size_t i = 0; i < n; ++i) scratch[i] = static_cast<float>(factor * samples[i] + offset);
+        if constexpr (std::endian::native != std::endian::little)
+            for (float& v : scratch) le::putF32(reinterpret_cast<std::uint8_t*>(&v), v);
+        out = scratch.data();
+    }
     if (FAILED(m_stream->Seek(0, STREAM_SEEK_END, nullptr))) return E_FAIL;
     ULONG written = 0;
-    if (FAILED(m_stream->Write(scratch.data(), static_cast<ULONG>(scratch.size()), &written)) || written != scratch.size())
-        return E_FAIL;
+    const ULONG bytes = static_cast<ULONG>(n * sizeof(float));
+    if (FAILED(m_stream->Write(out, bytes, &written)) || written != bytes) return E_FAIL;
     m_written += count;
     return m_stream->Commit(STGC_DEFAULT);
 }
