@@ -62,6 +62,20 @@ inline std::vector<float> floats(IMeasurement* m, HRESULT (IMeasurement::*get)(V
     return {data.begin(), data.end()};
 }
 
+inline void addParameter(IMeasurement* m, const char* name, const char* value) {
+    IDispatch* object = nullptr;
+    ASSERT_EQ(createInstance(CLSID_CParameter, &object), S_OK);
+    putText(object, u"Name", name);
+    putText(object, u"Value", value);
+    ICollection* collection = nullptr;
+    CMeasurement::from(m)->get_Parameters(&collection);
+    Variant key, before, after;
+    LONG index = 0;
+    EXPECT_EQ(collection->Add(object, &key, &before, &after, &index), S_OK);
+    collection->Release();
+    object->Release();
+}
+
 inline std::vector<std::string> parameters(IMeasurement* m) {
     std::vector<std::string> pairs;
     CMeasurement* c = CMeasurement::from(m);

@@ -66,3 +66,67 @@ TEST_F(BlockWriterCalibration, SamplesAsTheyAreOrScaledAndShifted) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(BlockWriterCalibration, ARecordBegunFromParametersEndsWithThemAndReadsBack) {
+    useSettings(32768);
+    ComPtr<IMeasurement> source(CMeasurement::createMeasurement());
+    addParameter(source.get(), "Blocksize", "4");
+    addParameter(source.get(), "SampleFrequency", "200");
+    addParameter(source.get(), "X-Unit", "s");
+    addParameter(source.get(), "Y-Unit", "Pa");
+    addParameter(source.get(), "Operator", "A. N. Other");
+
+    ComPtr<IStorage> root;
+    ASSERT_EQ(createCompoundFile(dir_ / "parameters.cfb", STGM_CREATE | STGM_READWRITE, root.out()), S_OK);
+    ComPtr<CMeasurement> holder(CMeasurement::createMeasurement());
+    auto writer = ComPtr<IMeasurementBlockWriter>::query(static_cast<IMeasurement*>(holder.get()));
+    Bstr name{std::string_view{"Meas0"}};
+    ASSERT_EQ(writer->Create(root.get(), name.get()), S_OK);
+    ASSERT_EQ(writer->BeginFromParameters(source.get()), S_OK);
+    const float first[4] = {1, 2, 3, 4}, second[4] = {5, 6, 7, 8};
+    ASSERT_EQ(writer->WriteBlock(first, 4, 0), S_OK);
+    ASSERT_EQ(writer->WriteBlock(second, 4, 0), S_OK);
+    EXPECT_EQ(writer->WriteBlock(first, 5, 0), E_INVALIDARG);  // more than a block
+    ComPtr<ICollection> given;
+    ASSERT_EQ(source->get_Parameters(given.out()), S_OK);
+    ASSERT_EQ(writer->Finish(given.get()), S_OK);
+    writer->Close();
+
+    ComPtr<IStream> stream;
+    ASSERT_EQ(root->OpenStream(u"Meas0", nullptr, 0x10, 0, stream.out()), S_OK);
+    ComPtr<CMeasurement> back(CMeasurement::createMeasurement());
+    ASSERT_EQ(loadRecord(back.get(), stream.get()), S_OK);
+    EXPECT_EQ(value(back.get(), &IMeasurement::get_FileSamples), 8);
+    EXPECT_FLOAT_EQ(value(back.get(), &IMeasurement::get_XIncrement), 0.005f);
+    std::vector<float> samples(8);
+    ASSERT_EQ(back->GetYValues(0, 8, samples.data(), nullptr), S_OK);
+    EXPECT_EQ(samples, (std::vector<float>{1, 2, 3, 4, 5, 6, 7, 8}));
+    EXPECT_EQ(parameters(back.get()), (std::vector<std::string>{"Blocksize=4", "SampleFrequency=200", "X-Unit=s",
+                                                                "Y-Unit=Pa", "Operator=A. N. Other"}));
+}
+
+TEST_F(BlockWriterCalibration, ParametersThatCannotBeginARecord) {
+    useSettings(32768);
+    ComPtr<IStorage> root;
+    ASSERT_EQ(createCompoundFile(dir_ / "refused.cfb", STGM_CREATE | STGM_READWRITE, root.out()), S_OK);
+    ComPtr<CMeasurement> holder(CMeasurement::createMeasurement());
+    auto writer = ComPtr<IMeasurementBlockWriter>::query(static_cast<IMeasurement*>(holder.get()));
+    Bstr name{std::string_view{"Meas0"}};
+    ASSERT_EQ(writer->Create(root.get(), name.get()), S_OK);
+
+    ComPtr<IMeasurement> missing(CMeasurement::createMeasurement());
+    addParameter(missing.get(), "Blocksize", "4");
+    EXPECT_EQ(writer->BeginFromParameters(missing.get()), E_POINTER);
+
+    ComPtr<IMeasurement> empty(CMeasurement::createMeasurement());
+    addParameter(empty.get(), "Blocksize", "0");
+    addParameter(empty.get(), "SampleFrequency", "200");
+    addParameter(empty.get(), "X-Unit", "s");
+    addParameter(empty.get(), "Y-Unit", "Pa");
+    EXPECT_EQ(writer->BeginFromParameters(empty.get()), E_FAIL);
+    writer->Close();
+}
+
+}  // namespace

@@ -24,19 +24,6 @@ Variant floatVariant(const std::vector<float>& values) {
     return v;
 }
 
-void addParameter(IMeasurement* m, const char* name, const char* value) {
-    IDispatch* object = nullptr;
-    ASSERT_EQ(createInstance(CLSID_CParameter, &object), S_OK);
-    putText(object, u"Name", name);
-    putText(object, u"Value", value);
-    ICollection* collection = nullptr;
-    CMeasurement::from(m)->get_Parameters(&collection);
-    Variant key, before, after;
-    LONG index = 0;
-    EXPECT_EQ(collection->Add(object, &key, &before, &after, &index), S_OK);
-    collection->Release();
-    object->Release();
-}
 
 // A measurement with every stored field away from its default.
 IMeasurement* fullMeasurement() {
