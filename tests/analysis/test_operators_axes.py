@@ -114,3 +114,48 @@ class Spectra(unittest.TestCase):
 
 if __name__ == "__main__":
     unittest.main()
+
+
+class WeightingText(unittest.TestCase):
+    """Multiplying by a weighting curve names it in AcousticWeighting; dividing by one takes it out."""
+
+    @staticmethod
+    def spectrum(weighting):
+        m = measurement(np.ones(4), function="Spectrum")
+        m.AcousticWeighting = weighting
+        return m
+
+    @staticmethod
+    def curve(weighting):
+        c = measurement(np.full(4, 2.0), function="Weighting")
+        c.AcousticWeighting = weighting
+        return c
+
+    def test_multiply_appends_the_curve_once(self):
+        cases = [("Off", "A", "A"), ("off", "A", "A"), ("", "A", "A"), ("B", "A", "BA"), ("BA", "A", "BA")]
+        for own, weighting, expected in cases:
+            with self.subTest(own=own, weighting=weighting):
+                product = self.spectrum(own).Multiply(self.curve(weighting))
+                self.assertEqual(product.AcousticWeighting, expected)
+                np.testing.assert_allclose(product.YRealArray, np.full(4, 2.0))
+
+    def test_divide_takes_the_curve_out(self):
+        # An empty weighting is stored as "Off".
+        cases = [("Off", "A", "Off"), ("A", "", "A"), ("A", "A", ""), ("A", "B", "?"), ("BAC", "A", "BC"),
+                 ("BA", "C", "BA")]
+        for own, weighting, expected in cases:
+            with self.subTest(own=own, weighting=weighting):
+                self.assertEqual(self.spectrum(own).Divide(self.curve(weighting)).AcousticWeighting, expected)
+        # A quotient whose weighting came out empty knows none to take out.
+        unweighted = self.spectrum("A").Divide(self.curve("A"))
+        self.assertEqual(unweighted.Divide(self.curve("B")).AcousticWeighting, "?")
+
+    def test_a_window_operand_hands_over_its_window(self):
+        window = measurement(np.full(4, 0.5), function="Window")
+        window.WindowType = "Hanning"
+        window.WindowParameter = 0.25
+        window.BandwidthCorrectionFactor = 1.5
+        product = measurement(np.ones(4)).Multiply(window)
+        self.assertEqual((product.WindowType, product.WindowParameter, product.BandwidthCorrectionFactor),
+                         (1302, 0.25, 1.5))
+        self.assertEqual(product.FunctionType, 1001)  # the function type stays
