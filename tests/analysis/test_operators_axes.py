@@ -159,3 +159,20 @@ class WeightingText(unittest.TestCase):
         self.assertEqual((product.WindowType, product.WindowParameter, product.BandwidthCorrectionFactor),
                          (1302, 0.25, 1.5))
         self.assertEqual(product.FunctionType, 1001)  # the function type stays
+
+
+class RmsOfTheObject(unittest.TestCase):
+    def test_a_time_record_over_its_whole_length_or_a_span(self):
+        x = np.arange(10, dtype=np.float64)
+        m = measurement(x)
+        self.assertAlmostEqual(m.Rms(), np.sqrt(np.mean(x ** 2)), places=5)
+        self.assertAlmostEqual(m.Rms2(2, 5), np.sqrt(np.mean(x[2:6] ** 2)), places=5)
+        self.assertAlmostEqual(m.Rms3(-3, 50, 701), np.sqrt(np.mean(x ** 2)), places=5)  # the span is clipped
+
+    def test_a_spectrum_by_its_amplitude_convention(self):
+        x = np.arange(10, dtype=np.float64)
+        s = measurement(x, function="Spectrum")
+        peak = np.sqrt(np.sum(x ** 2))  # 701: amplitudes are peaks
+        self.assertAlmostEqual(s.Rms3(0, 9, 701), peak, places=4)
+        self.assertAlmostEqual(s.Rms3(0, 9, 703), peak / np.sqrt(8), places=4)  # peak to peak
+        self.assertAlmostEqual(s.Rms3(0, 9, 0), peak / 2, places=4)
