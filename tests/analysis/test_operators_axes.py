@@ -177,3 +177,18 @@ class RmsOfTheObject(unittest.TestCase):
         self.assertAlmostEqual(s.Rms3(0, 9, 701), total, places=4)
         self.assertAlmostEqual(s.Rms3(0, 9, 703), total / np.sqrt(8), places=4)
         self.assertAlmostEqual(s.Rms3(0, 9, 0), total / np.sqrt(2), places=4)
+
+
+class Noise(unittest.TestCase):
+    def test_white_noise_fills_the_block_over_the_whole_band(self):
+        m = measurement(np.zeros(4096), function="Spectrum")
+        noise = m.WhiteNoise()
+        values = np.asarray(noise.YRealArray, dtype=np.float64)
+        self.assertEqual((noise.FunctionType, noise.Size, noise.Complex), (1001, 4096, False))
+        # The generator's level 1 puts 1/(lines) into each line's amplitude squared, and the real
+        # signal carries half of that power.
+        self.assertAlmostEqual(np.sqrt(np.mean(values ** 2)), np.sqrt(0.5), delta=0.02)
+        spectrum = np.abs(np.fft.rfft(values))
+        # Every part of the band carries energy: no quarter of it is empty.
+        quarters = np.array_split(spectrum[1:], 4)
+        self.assertTrue(all(q.mean() > 0.25 * spectrum[1:].mean() for q in quarters))
