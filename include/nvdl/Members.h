@@ -9,7 +9,10 @@
 //        frame_get, frame_put, frame_call: the same, with a body that the object frame gives
 //        (Parent, Modified, Copy, Clone, ...), so the class declares nothing for them;
 //        native: a slot with no late-bound form (members that take raw buffers);
-//        native_frame: the same with a frame body (LoadTypeInfo).
+//        native_frame: the same with a frame body (LoadTypeInfo);
+//        field_get, field_put: a property that is a plain store in the class's field record
+//        (`m_fields.Name`): the getter copies it out, the setter stores it and marks the object
+//        modified. Their parameter is named `value`.
 // marks  for the member table only: optional("p"), out("p"), declaredAs("p", VT_BOOL), typed(VT_DATE)
 //        for the value of a property, hidden(), id(DISPID_VALUE). Parameter names come from the
 //        parameter list itself.
@@ -29,6 +32,8 @@
 #define NVDL_MEMBER_NAME_frame_call(name) name
 #define NVDL_MEMBER_NAME_native(name) name
 #define NVDL_MEMBER_NAME_native_frame(name) name
+#define NVDL_MEMBER_NAME_field_get(name) get_##name
+#define NVDL_MEMBER_NAME_field_put(name) put_##name
 
 // One pure virtual member of an interface struct.
 #define NVDL_PURE_MEMBER(kind, name, params, ...) virtual HRESULT NVDL_MEMBER_NAME(kind, name) params = 0;
@@ -44,6 +49,10 @@
 #define NVDL_CLASS_MEMBER_frame_call(name, params)
 #define NVDL_CLASS_MEMBER_native(name, params) HRESULT name params override;
 #define NVDL_CLASS_MEMBER_native_frame(name, params)
+#define NVDL_CLASS_MEMBER_field_get(name, params) \
+    HRESULT get_##name params override { return ::nvdl::field::give(this->m_fields.name, value); }
+#define NVDL_CLASS_MEMBER_field_put(name, params) \
+    HRESULT put_##name params override { return this->storeField(this->m_fields.name, value); }
 
 // One row of the member table, for a table builder `table` (instantiated only inside the server).
 #define NVDL_TABLE_ROW(kind, name, params, ...) NVDL_TABLE_ROW_##kind(name, params __VA_OPT__(, ) __VA_ARGS__)
@@ -56,6 +65,8 @@
 #define NVDL_TABLE_ROW_frame_call(name, params, ...) NVDL_ROW(Method, name, name, params, __VA_ARGS__)
 #define NVDL_TABLE_ROW_native(name, params, ...)
 #define NVDL_TABLE_ROW_native_frame(name, params, ...)
+#define NVDL_TABLE_ROW_field_get(name, params, ...) NVDL_ROW(PropertyGet, get_##name, name, params, __VA_ARGS__)
+#define NVDL_TABLE_ROW_field_put(name, params, ...) NVDL_ROW(PropertyPut, put_##name, name, params, __VA_ARGS__)
 #define NVDL_ROW(kind, member, name, params, ...) \
     table.template row<&Self::member>(::nvdl::members::Kind::kind, #name, #params, {__VA_ARGS__});
 

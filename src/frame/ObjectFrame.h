@@ -7,6 +7,7 @@
 
 #include <string_view>
 
+#include "frame/FieldRecord.h"
 #include "frame/FrameBase.h"
 #include "frame/ObjectCount.h"
 #include "frame/PropertyAccess.h"
@@ -162,6 +163,14 @@ protected:
     ~CObjectFrame() override {
         if (m_pTypeInfo) m_pTypeInfo->Release();
         if constexpr (counted()) --g_nObjects;
+    }
+
+    // The body of a `field_put` member: stores the value and marks the object modified through its
+    // interface, so that the mark climbs.
+    template <class T, class V>
+    HRESULT storeField(T& field, V value) {
+        field::take(field, value);
+        return static_cast<Interface*>(this)->put_Modified(1);
     }
 
     // Persistence companions and other interfaces beyond the main one.
