@@ -18,11 +18,16 @@ asan_lib="$(gcc -print-file-name=libasan.so) $(gcc -print-file-name=libstdc++.so
 (cd build-asan && env LD_PRELOAD="$asan_lib" ASAN_OPTIONS=detect_leaks=0 UBSAN_OPTIONS=print_stacktrace=1 \
    ctest --output-on-failure -j "$jobs" -L python)
 
-# A short fuzzing run of the compound-file reader on a copy of its seed corpus (clang with libFuzzer).
+# Short fuzzing runs of the file readers, each on a copy of its seed corpus (clang with libFuzzer):
+# the compound-file layer and the setup readers share the minute.
 CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DNVDL_FUZZ=ON -DNVDL_PYTHON=OFF -DNVDL_BENCH=OFF >/dev/null
-cmake --build build-fuzz --target fuzz_compound_reader -j "$jobs"
-fuzz_corpus=$(mktemp -d)
-cp fuzz/corpus/compound/* "$fuzz_corpus"/
-build-fuzz/fuzz/fuzz_compound_reader -max_total_time=60 -rss_limit_mb=2048 "$fuzz_corpus"
-rm -rf "$fuzz_corpus"
+for target in compound:fuzz_compound_reader setup:fuzz_setup_reader; do
+  corpus_name=${target%%:*}
+  fuzzer=${target#*:}
+  cmake --build build-fuzz --target "$fuzzer" -j "$jobs"
+  fuzz_corpus=$(mktemp -d)
+  cp fuzz/corpus/"$corpus_name"/* "$fuzz_corpus"/
+  build-fuzz/fuzz/"$fuzzer" -max_total_time=30 -rss_limit_mb=2048 "$fuzz_corpus"
+  rm -rf "$fuzz_corpus"
+done

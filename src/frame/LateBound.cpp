@@ -1,6 +1,7 @@
 #include "frame/LateBound.h"
 
 #include <string>
+#include <vector>
 
 #include "platform/ComPtr.h"
 #include "platform/TypeDescription.h"
@@ -46,6 +47,15 @@ HRESULT call(IDispatch* object, DISPID id, VARIANT* result) {
     if (!object) return E_POINTER;
     DISPPARAMS none{};
     return object->Invoke(id, IID_NULL, 0, DISPATCH_METHOD, &none, result, nullptr, nullptr);
+}
+
+HRESULT call(IDispatch* object, std::u16string_view name, std::span<const VARIANT> args, VARIANT* result) {
+    DISPID id;
+    HRESULT h = memberId(object, name, &id);
+    if (FAILED(h)) return h;
+    std::vector<VARIANT> reversed(args.rbegin(), args.rend());  // the last argument comes first
+    DISPPARAMS params{reversed.empty() ? nullptr : reversed.data(), nullptr, static_cast<unsigned>(reversed.size()), 0};
+    return object->Invoke(id, IID_NULL, 0, DISPATCH_METHOD, &params, result, nullptr, nullptr);
 }
 
 }  // namespace nvdl::latebound

@@ -16,6 +16,8 @@ HRESULT get(IDispatch* object, std::u16string_view name, VARIANT* value);
 HRESULT put(IDispatch* object, DISPID id, const VARIANT& value, bool byReference = false);
 HRESULT put(IDispatch* object, std::u16string_view name, const VARIANT& value, bool byReference = false);
 HRESULT call(IDispatch* object, DISPID id, VARIANT* result);
+// A method with arguments, given first to last.
+HRESULT call(IDispatch* object, std::u16string_view name, std::span<const VARIANT> args, VARIANT* result);
 
 }  // namespace nvdl::latebound
 

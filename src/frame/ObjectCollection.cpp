@@ -422,11 +422,17 @@ HRESULT CObjectCollection::Clone(ICollection** copy) {
     *copy = nullptr;
     auto* fresh = new CObjectCollection(m_iid, Detached{});
     fresh->m_sName = m_sName;
-    for (CCollectionEntry* entry : m_items) {
-        if (!entry || !entry->m_pItem) {
-            fresh->Release();
-            return E_POINTER;
-        }
+    if (HRESULT h = fresh->AddClonesOf(*this); FAILED(h)) {
+        fresh->Release();
+        return h;
+    }
+    *copy = fresh;
+    return S_OK;
+}
+
+HRESULT CObjectCollection::AddClonesOf(const CObjectCollection& source) {
+    for (CCollectionEntry* entry : source.m_items) {
+        if (!entry || !entry->m_pItem) return E_POINTER;
         DISPID id;
         if (FAILED(latebound::memberId(entry->m_pItem, u"Clone", &id))) continue;
         Variant result;
@@ -435,9 +441,8 @@ HRESULT CObjectCollection::Clone(ICollection** copy) {
             continue;
         Variant empty1, empty2, empty3;
         LONG index;
-        fresh->Add(result.pdispVal, &empty1, &empty2, &empty3, &index);
+        Add(result.pdispVal, &empty1, &empty2, &empty3, &index);
     }
-    *copy = fresh;
     return S_OK;
 }
 

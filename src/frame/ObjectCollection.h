@@ -36,6 +36,9 @@ public:
     // The item at a position, without a reference of its own, or null.
     IDispatch* itemAt(std::size_t index) const;
     std::size_t size() const { return m_items.size(); }
+    // Adds a clone of every item of the other collection, as Clone does; items that give no clone
+    // are skipped.
+    HRESULT AddClonesOf(const CObjectCollection& source);
 
 private:
     // A heap collection made by Clone: counted as any object, freed by its last Release.

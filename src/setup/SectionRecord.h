@@ -106,8 +106,9 @@ constexpr bool wellFormed(const Record<R, N>& layout) {
         if (layout.tagForm == TagForm::Text) tagEnd = kTextTagSize;
         if (tagEnd > layout.generations[0].size) return false;  // the tag is read with the first bytes
         for (const auto& f : layout.fields) {
-            const int at = f.offset[g];
-            if (at >= 0 && static_cast<std::size_t>(at) < tagEnd && tagStart < at + f.value.size) return false;
+            if (f.offset[g] < 0) continue;
+            const std::size_t at = static_cast<std::size_t>(f.offset[g]);
+            if (at < tagEnd && tagStart < at + f.value.size) return false;
         }
     }
     return true;

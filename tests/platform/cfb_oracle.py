@@ -101,6 +101,33 @@ def olefile_check(path, manifest_path):
     return 1 if errors else 0
 
 
+def storage_order(name):
+    # Shorter names first, then by upper-cased UTF-16 units (ASCII names here).
+    return (len(name.encode("utf-16-le")), name.upper().encode("utf-16-be"))
+
+
+def olefile_lines(path):
+    """The tree as olefile sees it, printed the way nvdl tree prints it."""
+    import olefile
+    ole = olefile.OleFileIO(str(path))
+    null = "00000000-0000-0000-0000-000000000000"
+    lines = ["/\tstorage\t0\t{%s}" % (ole.root.clsid or null)]
+
+    def walk(entry, prefix):
+        for kid in sorted(entry.kids, key=lambda k: storage_order(k.name)):
+            path_text = prefix + "/" + kid.name
+            if kid.entry_type == olefile.STGTY_STORAGE:
+                lines.append("%s\tstorage\t0\t{%s}" % (path_text, kid.clsid or null))
+                walk(kid, path_text)
+            else:
+                lines.append("%s\tstream\t%d\t-" % (path_text, kid.size))
+
+    walk(ole.root, "")
+    ole.close()
+    return lines
+
+
+
 def main(argv):
     if len(argv) == 4 and argv[1] == "gsf-write":
         print("\n".join(gsf_write(argv[2], int(argv[3]))))

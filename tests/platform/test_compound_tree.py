@@ -4,7 +4,6 @@ import os
 import subprocess
 import sys
 
-import olefile
 import pytest
 
 sys.path.insert(0, os.path.dirname(__file__))
@@ -17,31 +16,6 @@ def tree(path):
     return subprocess.run([NVDL, "tree", str(path)], capture_output=True, text=True)
 
 
-def storage_order(name):
-    # Shorter names first, then by upper-cased UTF-16 units (ASCII names here).
-    return (len(name.encode("utf-16-le")), name.upper().encode("utf-16-be"))
-
-
-def olefile_lines(path):
-    """The tree as olefile sees it, printed the way nvdl tree prints it."""
-    ole = olefile.OleFileIO(str(path))
-    null = "00000000-0000-0000-0000-000000000000"
-    lines = ["/\tstorage\t0\t{%s}" % (ole.root.clsid or null)]
-
-    def walk(entry, prefix):
-        for kid in sorted(entry.kids, key=lambda k: storage_order(k.name)):
-            path_text = prefix + "/" + kid.name
-            if kid.entry_type == olefile.STGTY_STORAGE:
-                lines.append("%s\tstorage\t0\t{%s}" % (path_text, kid.clsid or null))
-                walk(kid, path_text)
-            else:
-                lines.append("%s\tstream\t%d\t-" % (path_text, kid.size))
-
-    walk(ole.root, "")
-    ole.close()
-    return lines
-
-
 @pytest.mark.parametrize("sector_size", [512, 4096])
 def test_tree_matches_olefile_on_libgsf_files(tmp_path, sector_size):
     path = tmp_path / "gsf.cfb"
@@ -50,7 +24,7 @@ def test_tree_matches_olefile_on_libgsf_files(tmp_path, sector_size):
     assert result.returncode == 0, result.stderr
     assert result.stderr == ""
     lines = result.stdout.splitlines()
-    assert lines == olefile_lines(path)
+    assert lines == cfb_oracle.olefile_lines(path)
     assert "/Workspace/Blocks/Meas4\tstream\t200003\t-" in lines
 
 

@@ -1,0 +1,17 @@
+// Saving a file without ever damaging the one it replaces: the new contents go to a fresh temporary
+// file in the target's folder, are flushed to the disk, and take the target's name in one atomic
+// rename. A failure at any step removes the temporary file and leaves the target as it was.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+
+#include "nvdl/Storage.h"
+
+namespace nvdl {
+
+// Creates a compound file beside `target`, lets `write` fill its root storage, commits it and puts it
+// in the target's place. The status of the first failing step is returned.
+HRESULT replaceWithCompoundFile(const std::filesystem::path& target, const std::function<HRESULT(IStorage*)>& write);
+
+}  // namespace nvdl
