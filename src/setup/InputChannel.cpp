@@ -6,7 +6,8 @@ namespace nvdl {
 
 namespace {
 
-const ClassRegistration g_class{{"nv_bench.input", CLSID_CInputChannel, "Sonvara InputChannel", &CInputChannel::create}};
+const ClassRegistration g_class{
+    {"nv_bench.input", CLSID_CInputChannel, "Sonvara InputChannel", &CInputChannel::create}};
 
 // Usage, coupling, weighting, input mode and tacho mode in one table. The FIR C-weighting stands
 // twice; a search by text finds the first of the two.

@@ -6,7 +6,8 @@ namespace nvdl {
 
 namespace {
 
-const ClassRegistration g_class{{"nv_bench.source", CLSID_CSourceChannel, "Sonvara SourceChannel", &CSourceChannel::create}};
+const ClassRegistration g_class{
+    {"nv_bench.source", CLSID_CSourceChannel, "Sonvara SourceChannel", &CSourceChannel::create}};
 
 constexpr EnumPair kSourceChannelEnums[] = {
     {0, u"Inactive"},

