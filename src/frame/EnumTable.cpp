@@ -28,7 +28,7 @@ HRESULT EnumTable::translate(LONG value, BSTR* text) const {
 
 bool EnumTable::isSorted() const {
     for (std::size_t i = 1; i < m_rows.size(); ++i)
-        if (m_rows[i - 1].value >= m_rows[i].value) return false;
+        if (m_rows[i - 1].value > m_rows[i].value) return false;
     return true;
 }
 

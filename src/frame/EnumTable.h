@@ -25,6 +25,7 @@ public:
     LONG lookupEnum(std::u16string_view text) const;
     // The text of a value; an unknown value gives S_OK and an empty text.
     HRESULT translate(LONG value, BSTR* text) const;
+    // Sorted by value; a value may stand twice, and the text lookup finds its first row.
     bool isSorted() const;
     std::span<const EnumPair> rows() const { return m_rows; }
 

@@ -122,20 +122,18 @@ std::string formatDate(DATE date) {
     char buf[64];
     bool hasDay = std::trunc(date) != 0;
     bool hasTime = p.hour || p.minute || p.second;
+    // The day alone when there is no time of day, the time alone on the zero day (a pure time,
+    // midnight included), both otherwise.
     std::string out;
-    if (hasDay || !hasTime) {
+    if (hasDay) {
         std::snprintf(buf, sizeof buf, "%d/%d/%d", p.month, p.day, p.year);
         out = buf;
+        if (!hasTime) return out;
+        out += ' ';
     }
-    if (hasTime || !hasDay) {
-        if (hasDay) {
-            if (!hasTime) return out;
-            out += ' ';
-        }
-        int h12 = p.hour % 12 == 0 ? 12 : p.hour % 12;
-        std::snprintf(buf, sizeof buf, "%d:%02d:%02d %s", h12, p.minute, p.second, p.hour < 12 ? "AM" : "PM");
-        out += buf;
-    }
+    int h12 = p.hour % 12 == 0 ? 12 : p.hour % 12;
+    std::snprintf(buf, sizeof buf, "%d:%02d:%02d %s", h12, p.minute, p.second, p.hour < 12 ? "AM" : "PM");
+    out += buf;
     return out;
 }
 

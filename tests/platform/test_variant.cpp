@@ -106,6 +106,7 @@ TEST(Date, DaysFromTheEpochAndText) {
     EXPECT_EQ(formatDate(36526.5), "1/1/2000 12:00:00 PM");
     EXPECT_EQ(formatDate(36526.0), "1/1/2000");
     EXPECT_EQ(formatDate(0.25), "6:00:00 AM");
+    EXPECT_EQ(formatDate(0.0), "12:00:00 AM");  // midnight of the zero day is a pure time
     for (const char* text : {"1/1/2000 12:00:00 PM", "2000-01-01 12:00", "1/1/00 12:00:00 PM"}) {
         DATE d = 0;
         ASSERT_TRUE(parseDate(text, d)) << text;

@@ -4,6 +4,7 @@
 #include <filesystem>
 
 #include "../frame/ForeignParent.h"
+#include "../frame/TestObjects.h"
 #include "../platform/TempDir.h"
 #include "SetupTestSupport.h"
 #include "nvdl/ISetup.h"
@@ -71,6 +72,35 @@ TEST(Setup, DefaultsDataModesAndWhichSettersMark) {
     ASSERT_EQ(setup->get_Id(&id), S_OK);
     EXPECT_NE(bstrToAnsi(id).find(".UID."), std::string::npos);
     SysFreeString(id);
+}
+
+// A setup that enters a collection of setups is renamed to a unique name and its creator is
+// normalised from its post-processing and impact sections.
+TEST(Setup, EnteringACollectionRenamesAndNormalisesTheCreator) {
+    struct Case {
+        const char* creator;
+        const char* postProcessing;
+        const char* impact;
+        const char* expectedName;
+        const char* expectedCreator;
+    };
+    const Case cases[] = {
+        {" Lab ", "0", "0", "A", "Lab"},           {"  ", "0", "0", "A(2)", "Measure"},
+        {"x", "-1", "0", "A(3)", "Post Process"},  {"x", "0", "-1", "A(4)", "Impact Wizard"},
+        {"x", "-1", "-1", "A(5)", "Post Process"}, {"x", "1", "1", "A(6)", "x"},
+    };
+    ComPtr<IDispatch> owner(CTestOwner::create(CLSID_CSetup)->dispatch());
+    CObjectCollection& setups = static_cast<CTestOwner*>(static_cast<ITestOwner*>(owner.get()))->items();
+    for (const Case& c : cases) {
+        ComPtr<ISetup> setup = newSetup();
+        putProperties(setup.get(), {{"Name", "A"}, {"Creator", c.creator}});
+        putProperties(member(setup.get(), u"PostProcessing").get(), {{"Activated", c.postProcessing}});
+        putProperties(member(setup.get(), u"Impact").get(), {{"Activated", c.impact}});
+        Variant key, before, after;
+        LONG index;
+        ASSERT_EQ(setups.Add(setup.get(), &key, &before, &after, &index), S_OK);
+        expectProperties(setup.get(), {{"Name", c.expectedName}, {"Creator", c.expectedCreator}});
+    }
 }
 
 TEST(Setup, EverySectionAndCollectionItemMarksTheSetupAndItsParent) {
