@@ -228,13 +228,5 @@ TEST(Acquisition, LoadAppliesTheSetterRules) {
     }
 }
 
-TEST(Acquisition, CloneCarriesEveryValue) {
-    ComPtr<IAcquisition> a = newAcquisition();
-    putValues(a.get(), kValues);
-    ComPtr<IAcquisition> copy;
-    ASSERT_EQ(a->Clone(copy.out()), S_OK);
-    expectProperties(copy.get(), kValues);
-}
-
 }  // namespace
 }  // namespace nvdl::test
