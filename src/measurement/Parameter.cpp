@@ -4,7 +4,6 @@
 #include "frame/Resources.h"
 #include "frame/TextChecks.h"
 #include "platform/DebugTrace.h"
-#include "platform/RecordLayout.h"
 
 namespace nvdl {
 
@@ -67,41 +66,18 @@ HRESULT CParameter::Copy(IParameter* source, IParameter* target) {
 
 // Stream companion.
 
-namespace {
-
-using record::text;
-using ParameterField = record::Field<ParameterRecord, 1>;
-constexpr ParameterField kParameterFields[] = {
-    {text(&ParameterRecord::name, 100), {0}},
-    {text(&ParameterRecord::value, 100), {100}},
-};
-constexpr std::span<const ParameterField> kParameterTable(kParameterFields);
-static_assert(record::fitsAndDisjoint(kParameterTable, 0, CParameterPersistStream::kRecordSize));
-
-}  // namespace
-
 HRESULT CParameterPersistStream::Load(IStream* stream) {
-    if (!stream) return E_POINTER;
-    std::uint8_t bytes[kRecordSize];
-    ULONG read = 0;
-    if (FAILED(stream->Read(bytes, kRecordSize, &read)) || read != kRecordSize) return E_FAIL;
     ParameterRecord stored;
-    record::decode(kParameterTable, 0, bytes, stored);
+    if (HRESULT h = parameter_record::read(stream, stored); FAILED(h)) return h;
     m_owner.m_name = std::move(stored.name);
     m_owner.m_value = std::move(stored.value);
     return S_OK;
 }
 
 HRESULT CParameterPersistStream::Save(IStream* stream, int clearDirty) {
-    if (!stream) return E_POINTER;
-    std::uint8_t bytes[kRecordSize] = {};
-    record::encode(kParameterTable, 0, ParameterRecord{m_owner.m_name, m_owner.m_value}, bytes);
-    ULONG written = 0;
-    HRESULT h = stream->Write(bytes, kRecordSize, &written);
-    if (FAILED(h)) return h;
-    if (written != kRecordSize) return STG_E_MEDIUMFULL;
-    if (clearDirty) m_owner.put_Modified(0);
-    return S_OK;
+    HRESULT h = parameter_record::write(stream, ParameterRecord{m_owner.m_name, m_owner.m_value});
+    if (SUCCEEDED(h) && clearDirty) m_owner.put_Modified(0);
+    return h;
 }
 
 HRESULT CParameterPersistStream::GetSizeMax(std::uint64_t* size) {

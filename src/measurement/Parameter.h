@@ -6,6 +6,7 @@
 
 #include "frame/ObjectFrame.h"
 #include "frame/PersistCompanion.h"
+#include "measurement/ParameterRecord.h"
 #include "nvdl/IParameter.h"
 #include "nvdl/Persist.h"
 
@@ -13,15 +14,10 @@ namespace nvdl {
 
 class CParameter;
 
-// The stored parameter: two text fields of 100 bytes, each cut to 99 characters and zero-ended.
-struct ParameterRecord {
-    std::string name, value;
-};
-
 // The stream persistence companion.
 class CParameterPersistStream final : public CPersistCompanion<CParameter, IPersistStream> {
 public:
-    static constexpr std::size_t kRecordSize = 200;
+    static constexpr std::size_t kRecordSize = parameter_record::kSize;
 
     using CPersistCompanion::CPersistCompanion;
     HRESULT Load(IStream* stream) override;
