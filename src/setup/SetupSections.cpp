@@ -2,6 +2,7 @@
 
 #include "frame/ClassTable.h"
 #include "nvdl/Identifiers.h"
+#include "setup/Saving.h"
 
 namespace nvdl {
 
@@ -12,7 +13,7 @@ using C = SectionCollection;
 
 // The class of each single section, in the order of SingleSection.
 const CLSID* const kSectionClasses[kSingleSectionCount] = {
-    &CLSID_CAcquisition, &CLSID_CProcessing, nullptr /* saving */, &CLSID_CTacho, &CLSID_CRpm, &CLSID_CSinRed,
+    &CLSID_CAcquisition, &CLSID_CProcessing, &CLSID_CSaving, &CLSID_CTacho, &CLSID_CRpm, &CLSID_CSinRed,
     &CLSID_CSRS, &CLSID_CSteppedSine, &CLSID_CThroughput, &CLSID_COctave, &CLSID_CImpact, &CLSID_CTimeFilter,
     &CLSID_CResampling, &CLSID_CPostProcessing, &CLSID_CShockCapture,
 };
@@ -45,7 +46,7 @@ const StorageSection kStorageSections[] = {
 }  // namespace
 
 IDispatch* createSection(SingleSection which) {
-    if (!kSectionClasses[static_cast<std::size_t>(which)]) return nullptr;  // the saving section: not yet
+    if (which == S::Saving) return CSaving::create();  // a section only, with no ProgID of its own
     IDispatch* object = nullptr;
     if (FAILED(createInstance(*kSectionClasses[static_cast<std::size_t>(which)], &object))) return nullptr;
     return object;
