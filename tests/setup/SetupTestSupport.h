@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "SectionTestSupport.h"
+#include "PlainPutSupport.h"
 #include "nvdl/ICollection.h"
 
 namespace nvdl::test {
@@ -58,14 +58,14 @@ inline ComPtr<ICollection> collectionOf(IDispatch* setup, const char16_t* name) 
 }
 
 inline void fillSetup(IDispatch* setup) {
-    putProperties(setup, {{"Name", "Modal run"}, {"Creator", "Measure"}, {"WorkspacePrefixName", "WS"},
+    putValues(setup, {{"Name", "Modal run"}, {"Creator", "Measure"}, {"WorkspacePrefixName", "WS"},
                           {"DataMode", "341"}, {"Default", "-1"}, {"GroupChannels", "-1"}, {"GroupFunctions", "0"}});
-    for (const SectionValue& s : kSectionValues) putProperties(member(setup, s.section).get(), {{s.property, s.value}});
+    for (const SectionValue& s : kSectionValues) putValues(member(setup, s.section).get(), {{s.property, s.value}});
     for (const CollectionValues& c : kCollectionValues) {
         ComPtr<ICollection> items = collectionOf(setup, c.collection);
         for (const auto& values : c.items) {
             ComPtr<IDispatch> item = newObject(c.progId);
-            putProperties(item.get(), values);
+            putValues(item.get(), values);
             Variant key, before, after;
             LONG index = 0;
             ASSERT_EQ(items->Add(item.get(), &key, &before, &after, &index), S_OK);

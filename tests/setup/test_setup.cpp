@@ -58,12 +58,12 @@ TEST(Setup, DefaultsDataModesAndWhichSettersMark) {
                                    {"DataMode", "340"}, {"Default", "0"}, {"GroupDataInSameWs", "0"},
                                    {"GroupChannels", "0"}, {"GroupFunctions", "-1"}, {"Modified", "0"}});
     expectTranslations(setup.get(), {{340, "Block Mode"}, {341, "Continuous Mode"}, {342, ""}});
-    putProperties(setup.get(), {{"Default", "-1"}, {"GroupDataInSameWs", "-1"}, {"GroupChannels", "-1"},
+    putValues(setup.get(), {{"Default", "-1"}, {"GroupDataInSameWs", "-1"}, {"GroupChannels", "-1"},
                                 {"GroupFunctions", "0"}});
     EXPECT_EQ(modifiedOf(setup.get()), 0);
     for (const char* marking : {"Name", "Creator", "WorkspacePrefixName", "ParametersLayout"}) {
         setup->put_Modified(0);
-        putProperties(setup.get(), {{marking, "x"}});
+        putValues(setup.get(), {{marking, "x"}});
         EXPECT_NE(modifiedOf(setup.get()), 0) << marking;
     }
     EXPECT_EQ(setup->Load(nullptr), E_FAIL);
@@ -93,9 +93,9 @@ TEST(Setup, EnteringACollectionRenamesAndNormalisesTheCreator) {
     CObjectCollection& setups = static_cast<CTestOwner*>(static_cast<ITestOwner*>(owner.get()))->items();
     for (const Case& c : cases) {
         ComPtr<ISetup> setup = newSetup();
-        putProperties(setup.get(), {{"Name", "A"}, {"Creator", c.creator}});
-        putProperties(member(setup.get(), u"PostProcessing").get(), {{"Activated", c.postProcessing}});
-        putProperties(member(setup.get(), u"Impact").get(), {{"Activated", c.impact}});
+        putValues(setup.get(), {{"Name", "A"}, {"Creator", c.creator}});
+        putValues(member(setup.get(), u"PostProcessing").get(), {{"Activated", c.postProcessing}});
+        putValues(member(setup.get(), u"Impact").get(), {{"Activated", c.impact}});
         Variant key, before, after;
         LONG index;
         ASSERT_EQ(setups.Add(setup.get(), &key, &before, &after, &index), S_OK);
@@ -111,7 +111,7 @@ TEST(Setup, EverySectionAndCollectionItemMarksTheSetupAndItsParent) {
     auto expectMarks = [&](IDispatch* changed, const char* property, const char* value, const std::string& what) {
         setup->put_Modified(0);
         const int before = workspace.puts;
-        putProperties(changed, {{property, value}});
+        putValues(changed, {{property, value}});
         EXPECT_NE(modifiedOf(setup.get()), 0) << what;
         EXPECT_EQ(workspace.puts, before + 1) << what;
     };
@@ -163,7 +163,7 @@ TEST(Setup, EmptyCollectionsLeaveNoSubStorageAndUnknownElementsAreIgnored) {
     TempDir dir;
     const auto file = dir.path() / "plain.setup";
     ComPtr<ISetup> setup = newSetup();
-    putProperties(member(setup.get(), u"Rpm").get(), {{"EndRPM", "4000"}});
+    putValues(member(setup.get(), u"Rpm").get(), {{"EndRPM", "4000"}});
     ASSERT_EQ(saveSetup(setup.get(), file), S_OK);
     std::vector<std::string> tree = treeOf(file);
     for (const char* absent : {"TransducerSection", "InputSection", "StrainSection", "SourceSection", "ParameterSection"})
@@ -233,8 +233,8 @@ TEST(Setup, CloneIsDeepAndCopyReplacesTheCollections) {
     expectFilled(clone.get());
     ComPtr<IDispatch> channel;
     ASSERT_EQ(collectionOf(clone.get(), u"InputChannels")->Item(Variant::fromLong(0), channel.out()), S_OK);
-    putProperties(channel.get(), {{"Name", "Changed"}, {"Range", "1"}});
-    putProperties(member(clone.get(), u"Rpm").get(), {{"StartRPM", "99"}});
+    putValues(channel.get(), {{"Name", "Changed"}, {"Range", "1"}});
+    putValues(member(clone.get(), u"Rpm").get(), {{"StartRPM", "99"}});
     expectFilled(setup.get());  // the source is as it was
     EXPECT_EQ(member(member(clone.get(), u"Rpm").get(), u"Setup").get(), static_cast<IDispatch*>(clone.get()));
     ASSERT_EQ(setup->Copy(clone.get()), S_OK);  // the target's items are replaced, not added to
