@@ -62,15 +62,6 @@ long computationBlocksizeDivider() {
 
 const EnumTable CAcquisition::kEnums{kAcquisitionEnums};
 
-HRESULT CAcquisition::queryCompanion(REFIID riid, void** ppv) {
-    if (riid == IID_IPersistStream || riid == IID_IPersist) {
-        *ppv = static_cast<IPersistStream*>(&m_stream);
-        AddRef();
-        return S_OK;
-    }
-    return E_NOINTERFACE;
-}
-
 HRESULT CAcquisition::Translate(LONG code, BSTR* text) { return kEnums.translate(code, text); }
 
 // Floored, then passed through its "%lf" text, the form in which the front end shows and reads a rate.

@@ -34,7 +34,8 @@ class CAcquisition;
 
 // The stream companion: reads the generation the record's tag names and keeps it, since the size it
 // announces is that generation's; writes the newest.
-class CAcquisitionPersistStream final : public CPersistCompanion<CAcquisition, IPersistStream> {
+template <>
+class CSectionPersistStream<CAcquisition> final : public CPersistCompanion<CAcquisition, IPersistStream> {
 public:
     using CPersistCompanion::CPersistCompanion;
     HRESULT Load(IStream* stream) override;
@@ -66,11 +67,6 @@ public:
     static std::int32_t computationBlocksizeOf(std::int32_t value, std::int32_t blocksize) {
         return value < 1 ? blocksize : value;
     }
-
-private:
-    HRESULT queryCompanion(REFIID riid, void** ppv) override;
-
-    CAcquisitionPersistStream m_stream{*this};
 };
 
 }  // namespace nvdl

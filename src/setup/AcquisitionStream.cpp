@@ -39,7 +39,7 @@ static_assert(section::wellFormed(kLayout));
 const section::Record<AcquisitionFields, 3> CAcquisition::kRecord = kLayout;
 
 // The values read pass the setters' rules: a rate at or below zero leaves the rate as it was.
-HRESULT CAcquisitionPersistStream::Load(IStream* stream) {
+HRESULT CSectionPersistStream<CAcquisition>::Load(IStream* stream) {
     AcquisitionFields read = m_owner.m_fields;
     std::size_t generation = 0;
     if (HRESULT h = section::read(stream, CAcquisition::kRecord, read, &generation); FAILED(h)) return h;
@@ -52,14 +52,14 @@ HRESULT CAcquisitionPersistStream::Load(IStream* stream) {
     return S_OK;
 }
 
-HRESULT CAcquisitionPersistStream::Save(IStream* stream, int clearDirty) {
+HRESULT CSectionPersistStream<CAcquisition>::Save(IStream* stream, int clearDirty) {
     HRESULT h = section::write(stream, CAcquisition::kRecord, m_owner.m_fields);
     if (SUCCEEDED(h) && clearDirty) m_owner.put_Modified(0);
     return h;
 }
 
 // The size of the generation last read, though a save writes the newest.
-HRESULT CAcquisitionPersistStream::GetSizeMax(std::uint64_t* size) {
+HRESULT CSectionPersistStream<CAcquisition>::GetSizeMax(std::uint64_t* size) {
     if (!size) return E_POINTER;
     const auto& layout = CAcquisition::kRecord;
     *size = m_generation ? layout.generations[*m_generation].size : layout.newest().size;

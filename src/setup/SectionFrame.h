@@ -7,7 +7,8 @@
 //   (setup/SectionRecord.h): the reader takes the generation that the stream's tag names, the
 //   writer writes the newest, and a save that clears the dirty state clears Modified.
 // A class declares its interface list with `field_get` / `field_put` members for its plain values;
-// the rest of its members are its own.
+// the rest of its members are its own. A class whose record holds more than the fields of its table
+// (arrays of limits, rules applied while reading) specialises CSectionPersistStream for itself.
 #pragma once
 
 #include "frame/FrameBase.h"

@@ -37,15 +37,6 @@ const EnumTable CShockCapture::kEnums{std::span<const EnumPair>{}};
 
 HRESULT CShockCapture::Translate(LONG code, BSTR* text) { return kEnums.translate(code, text); }
 
-HRESULT CShockCapture::queryCompanion(REFIID riid, void** ppv) {
-    if (riid == IID_IPersistStream || riid == IID_IPersist) {
-        *ppv = static_cast<IPersistStream*>(&m_stream);
-        AddRef();
-        return S_OK;
-    }
-    return E_NOINTERFACE;
-}
-
 // The values of the array fill the room from its start and the rest of the room is cleared; an array
 // longer than the room is refused and the profile stays as it was.
 HRESULT CShockCapture::setLimits(LimitValues& room, std::int32_t& count, SAFEARRAY* limits) {

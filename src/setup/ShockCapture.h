@@ -37,7 +37,8 @@ class CShockCapture;
 
 // The stream record: the plain values (tag at the head) then both rooms, all 384 floats of each.
 // A count outside the room marks a damaged record, which is refused with the object unchanged.
-class CShockCapturePersistStream final : public CPersistCompanion<CShockCapture, IPersistStream> {
+template <>
+class CSectionPersistStream<CShockCapture> final : public CPersistCompanion<CShockCapture, IPersistStream> {
 public:
     using CPersistCompanion::CPersistCompanion;
 
@@ -59,14 +60,9 @@ public:
 
     NVDL_IMPLEMENTS(NVDL_ISHOCKCAPTURE_MEMBERS)
 
-protected:
-    HRESULT queryCompanion(REFIID riid, void** ppv) override;
-
 private:
     HRESULT setLimits(LimitValues& room, std::int32_t& count, SAFEARRAY* limits);
     HRESULT setCount(std::int32_t& count, LONG value);
-
-    CShockCapturePersistStream m_stream{*this};
 };
 
 }  // namespace nvdl

@@ -24,7 +24,7 @@ std::size_t recordSize() { return CShockCapture::kRecord.newest().size + std::si
 
 }  // namespace
 
-HRESULT CShockCapturePersistStream::Load(IStream* stream) {
+HRESULT CSectionPersistStream<CShockCapture>::Load(IStream* stream) {
     ShockCaptureFields staged = m_owner.m_fields;
     if (HRESULT h = section::read(stream, CShockCapture::kRecord, staged); FAILED(h)) return h;
     std::vector<std::uint8_t> rooms(std::size(kLimitArrays) * kRoomBytes);
@@ -42,7 +42,7 @@ HRESULT CShockCapturePersistStream::Load(IStream* stream) {
     return S_OK;
 }
 
-HRESULT CShockCapturePersistStream::Save(IStream* stream, int clearDirty) {
+HRESULT CSectionPersistStream<CShockCapture>::Save(IStream* stream, int clearDirty) {
     if (!stream) return E_POINTER;
     std::vector<std::uint8_t> bytes = section::encodeNewest(CShockCapture::kRecord, m_owner.m_fields);
     bytes.resize(recordSize());
@@ -58,7 +58,7 @@ HRESULT CShockCapturePersistStream::Save(IStream* stream, int clearDirty) {
     return h;
 }
 
-HRESULT CShockCapturePersistStream::GetSizeMax(std::uint64_t* size) {
+HRESULT CSectionPersistStream<CShockCapture>::GetSizeMax(std::uint64_t* size) {
     if (!size) return E_POINTER;
     *size = recordSize();
     return S_OK;
