@@ -44,6 +44,14 @@ inline const std::vector<CollectionValues> kCollectionValues = {
     {u"SourceChannels", u"nv_bench.source", {{{"Name", "Shaker"}, {"Level", "0.5"}}}},
 };
 
+// The save functions of the saving section, by list.
+struct SaveFunctionValue {
+    const char16_t* list;
+    const char* name;
+};
+inline const SaveFunctionValue kSaveFunctions[] = {
+    {u"MeasFunctions", "Autopower"}, {u"MeasFunctions", "FRF"}, {u"TimeHistoryFunctions", "Overall level"}};
+
 inline ComPtr<IDispatch> member(IDispatch* object, const char16_t* name) {
     Variant v;
     EXPECT_EQ(latebound::get(object, name, &v), S_OK) << narrow(name);
@@ -71,6 +79,14 @@ inline void fillSetup(IDispatch* setup) {
             ASSERT_EQ(items->Add(item.get(), &key, &before, &after, &index), S_OK);
         }
     }
+    for (const SaveFunctionValue& f : kSaveFunctions) {
+        ComPtr<IDispatch> function = newObject(u"nv_bench.savefunction");
+        putValues(function.get(), {{"Name", f.name}});
+        Variant key, before, after;
+        LONG index = 0;
+        ASSERT_EQ(collectionOf(member(setup, u"Saving").get(), f.list)->Add(function.get(), &key, &before, &after, &index),
+                  S_OK);
+    }
 }
 
 // Every value that fillSetup set, read back from the setup.
@@ -89,6 +105,11 @@ inline void expectFilled(IDispatch* setup) {
             ASSERT_EQ(items->Item(Variant::fromLong(static_cast<LONG>(i)), item.out()), S_OK);
             expectProperties(item.get(), c.items[i]);
         }
+    }
+    ComPtr<IDispatch> saving = member(setup, u"Saving");
+    for (const SaveFunctionValue& f : kSaveFunctions) {
+        ComPtr<IDispatch> function;
+        EXPECT_EQ(collectionOf(saving.get(), f.list)->Item(Variant::fromAnsi(f.name), function.out()), S_OK) << f.name;
     }
 }
 

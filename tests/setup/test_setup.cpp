@@ -126,6 +126,10 @@ TEST(Setup, EverySectionAndCollectionItemMarksTheSetupAndItsParent) {
         ASSERT_EQ(collectionOf(setup.get(), c.collection)->Item(Variant::fromLong(0), item.out()), S_OK);
         expectMarks(item.get(), c.items[0][0].name, c.items[0][0].text, narrow(c.collection));
     }
+    ComPtr<IDispatch> function;  // through the saving section
+    ASSERT_EQ(collectionOf(member(setup.get(), u"Saving").get(), u"MeasFunctions")->Item(Variant::fromLong(0), function.out()),
+              S_OK);
+    expectMarks(function.get(), "Value", "avg", "save function");
 }
 
 TEST(Setup, SavedFileHoldsTheSectionTreeAndReadsBackEqual) {
