@@ -45,6 +45,11 @@ constexpr HRESULT CLASS_E_NOAGGREGATION = hr(0x80040110);
 constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE = hr(0x80040111);
 constexpr HRESULT REGDB_E_CLASSNOTREG = hr(0x80040154);
 constexpr HRESULT CO_E_CLASSSTRING = hr(0x800401F3);
+// No class could be found for a file (its storage, signature and extension said nothing).
+constexpr HRESULT MK_E_INVALIDEXTENSION = hr(0x800401E6);
+// The library of an in-process server could not be loaded, or lacks its entry point.
+constexpr HRESULT CO_E_DLLNOTFOUND = hr(0x800401F8);
+constexpr HRESULT CO_E_ERRORINDLL = hr(0x800401F9);
 
 // Structured storage.
 constexpr HRESULT STG_E_INVALIDFUNCTION = hr(0x80030001);

@@ -16,8 +16,12 @@ protected:
     ~IClassFactory() = default;
 };
 
+// Plain C names, so that a host finds them by name in the loaded library; a file loader that lives
+// in a shared library of its own exports the same DllGetClassObject.
+extern "C" {
 HRESULT DllGetClassObject(REFCLSID clsid, REFIID riid, void** factory);
 // S_OK (0) when no object lives and no lock is held; S_FALSE (1) otherwise.
 HRESULT DllCanUnloadNow();
+}
 
 NVDL_API_END

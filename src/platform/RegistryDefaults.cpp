@@ -21,6 +21,16 @@ constexpr RegistryDefault kDefaults[] = {
     {Hive::CurrentUser, kInternationalKey, "sTime", ":"},
     {Hive::CurrentUser, kInternationalKey, "s1159", "AM"},
     {Hive::CurrentUser, kInternationalKey, "s2359", "PM"},
+    // The two loaders of the module: a workspace file (".wkd", class of nv_bench.workspace) is read
+    // by nv_bench.io_wkd, a recording (".trc") by nv_bench.io_newtrc, whose class is also the class
+    // of its files.
+    {Hive::ClassesRoot, ".wkd", "", "nv_bench.workspace"},
+    {Hive::ClassesRoot, "nv_bench.workspace\\CLSID", "", "{5B44CB71-F17B-4140-9D50-EC6F33B896B8}"},
+    {Hive::ClassesRoot, "CLSID\\{5B44CB71-F17B-4140-9D50-EC6F33B896B8}\\CLSIDLoader", "", "{3AC06104-CC45-43EA-8D48-E08EE4C57CA5}"},
+    {Hive::ClassesRoot, "nv_bench.io_wkd\\CLSID", "", "{3AC06104-CC45-43EA-8D48-E08EE4C57CA5}"},
+    {Hive::ClassesRoot, ".trc", "", "nv_bench.io_newtrc"},
+    {Hive::ClassesRoot, "nv_bench.io_newtrc\\CLSID", "", "{CEB4D23E-E3F8-42EC-A1C6-06271CEB78CE}"},
+    {Hive::ClassesRoot, "CLSID\\{CEB4D23E-E3F8-42EC-A1C6-06271CEB78CE}\\CLSIDLoader", "", "{CEB4D23E-E3F8-42EC-A1C6-06271CEB78CE}"},
 };
 
 }  // namespace
