@@ -1,0 +1,60 @@
+#include "geometry/ModeEnums.h"
+
+#include "platform/CodePage.h"
+
+namespace nvdl {
+
+namespace {
+
+constexpr EnumPair kModeEnums[] = {
+    {1501, u"X"},
+    {1502, u"Y"},
+    {1503, u"Z"},
+    {1504, u"Radial"},
+    {1505, u"Theta"},
+    {1506, u"Phi"},
+    {1600, u"Unknown type"},
+    {1601, u"Structural"},
+    {1602, u"Operating"},
+    {1603, u"Forced"},
+    {1604, u"Intensity"},
+    {1700, u"Unknown method"},
+    {1701, u"Amplitude cut"},
+    {1702, u"Quadrature cut"},
+    {1703, u"Amplitude fit"},
+    {1704, u"Quadrature fit"},
+    {1705, u"Circle fit"},
+    {1706, u"Least squares complex exponential"},
+    {1707, u"Polyreference"},
+    {1708, u"FDPI"},
+    {1709, u"Ibrahim time domain method"},
+};
+
+const EnumTable g_modeEnums{kModeEnums};
+
+}  // namespace
+
+const EnumTable& modeEnumTable() { return g_modeEnums; }
+
+HRESULT modeCodeOf(const VARIANT& value, LONG& code) {
+    Variant number;
+    HRESULT h = VariantChangeType(&number, &value, 0, VT_I4);
+    if (SUCCEEDED(h)) {
+        code = number.lVal;
+        return S_OK;
+    }
+    if (h != DISP_E_TYPEMISMATCH) return h;
+    Variant text;
+    if (HRESULT t = VariantChangeType(&text, &value, 0, VT_BSTR); FAILED(t)) return t;
+    LONG found = g_modeEnums.lookupEnum(bstrView(text.bstrVal));
+    if (found == -1) return E_INVALIDARG;
+    code = found;
+    return S_OK;
+}
+
+std::string modeCodeText(LONG code) {
+    const std::u16string_view* text = g_modeEnums.lookupString(code);
+    return text ? narrow(*text) : std::string();
+}
+
+}  // namespace nvdl
