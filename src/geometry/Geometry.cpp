@@ -2,6 +2,7 @@
 
 #include "frame/ClassTable.h"
 #include "geometry/Component.h"
+#include "platform/ComPtr.h"
 
 namespace nvdl {
 
@@ -53,7 +54,9 @@ HRESULT CGeometry::get_Fields(IFields** fields) {
     return S_OK;
 }
 
-// The clone is a new, unsaved geometry: it counts as modified.
+// The clone is a new, unsaved geometry: it counts as modified. A component's clone keeps its
+// parent, this geometry: it is let go before it joins the new list, so that the list's naming of
+// it marks nothing here.
 HRESULT CGeometry::Copy(IGeometry* source, IGeometry* target) {
     auto* from = dynamic_cast<CGeometry*>(CFrameBase::of(source));
     auto* to = dynamic_cast<CGeometry*>(CFrameBase::of(target));
@@ -61,7 +64,15 @@ HRESULT CGeometry::Copy(IGeometry* source, IGeometry* target) {
     if (from == to) return S_OK;
     to->m_fields = from->m_fields;
     to->m_components.Clear();
-    if (HRESULT h = to->m_components.AddClonesOf(from->m_components); FAILED(h)) return h;
+    for (std::size_t i = 0; i < from->m_components.size(); ++i) {
+        ComPtr<IComponent> component = ComPtr<IComponent>::query(from->m_components.itemAt(i));
+        ComPtr<IComponent> clone;
+        if (!component || FAILED(component->Clone(clone.out()))) continue;
+        clone->put_Parent(nullptr);
+        Variant key, before, after;
+        LONG index = 0;
+        if (HRESULT h = to->m_components.Add(clone.get(), &key, &before, &after, &index); FAILED(h)) return h;
+    }
     return target->put_Modified(1);
 }
 

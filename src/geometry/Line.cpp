@@ -28,7 +28,6 @@ HRESULT CLine::Copy(ILine* source, ILine* target) {
     auto* to = dynamic_cast<CLine*>(CFrameBase::of(target));
     if (!from || !to) return E_INVALIDARG;
     to->m_fields = from->m_fields;
-    to->m_parent = from->m_parent;
     to->m_modified = from->m_modified;
     return S_OK;
 }

@@ -26,7 +26,8 @@ public:
 
     NVDL_IMPLEMENTS(NVDL_ILINE_MEMBERS)
 
-    // The line as it stands: every field, the back reference and the flag.
+    // The line as it stands: every field and the flag. The copy has no parent: the
+    // list it joins gives it one, and until then a change to it marks nothing else.
     static HRESULT Copy(ILine* source, ILine* target);
 
     LineFields m_fields;

@@ -66,7 +66,6 @@ HRESULT CNode::Copy(INode* source, INode* target) {
     auto* to = dynamic_cast<CNode*>(CFrameBase::of(target));
     if (!from || !to) return E_INVALIDARG;
     to->m_fields = from->m_fields;
-    to->m_parent = from->m_parent;
     to->m_modified = from->m_modified;
     return S_OK;
 }

@@ -30,7 +30,8 @@ public:
 
     NVDL_IMPLEMENTS(NVDL_INODE_MEMBERS)
 
-    // The node as it stands: every field, the back reference and the flag.
+    // The node as it stands: every field and the flag. The copy has no parent: the
+    // list it joins gives it one, and until then a change to it marks nothing else.
     static HRESULT Copy(INode* source, INode* target);
 
     NodeFields m_fields;

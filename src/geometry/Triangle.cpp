@@ -30,7 +30,6 @@ HRESULT CTriangle::Copy(ITriangle* source, ITriangle* target) {
     auto* to = dynamic_cast<CTriangle*>(CFrameBase::of(target));
     if (!from || !to) return E_INVALIDARG;
     to->m_fields = from->m_fields;
-    to->m_parent = from->m_parent;
     to->m_modified = from->m_modified;
     return S_OK;
 }

@@ -26,7 +26,8 @@ public:
 
     NVDL_IMPLEMENTS(NVDL_ITRIANGLE_MEMBERS)
 
-    // The triangle as it stands: every field, the back reference and the flag.
+    // The triangle as it stands: every field and the flag. The copy has no parent: the
+    // list it joins gives it one, and until then a change to it marks nothing else.
     static HRESULT Copy(ITriangle* source, ITriangle* target);
 
     TriangleFields m_fields;
