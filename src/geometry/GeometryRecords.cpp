@@ -62,11 +62,8 @@ constexpr Field<Line, 1> kLineFields[] = {
 };
 
 constexpr Field<Triangle, 1> kTriangleFields[] = {
-    {text(&Triangle::node1, 50), {0}},
-    {text(&Triangle::node2, 50), {50}},
-    {text(&Triangle::node3, 50), {100}},
-    {i32(&Triangle::visibility), {152}},
-    {i32(&Triangle::colorIndex), {156}},
+    {text(&Triangle::node1, 50), {0}},   {text(&Triangle::node2, 50), {50}},  {text(&Triangle::node3, 50), {100}},
+    {i32(&Triangle::visibility), {152}}, {i32(&Triangle::colorIndex), {156}},
 };
 
 static_assert(fitsAndDisjoint(std::span<const Field<Header, 2>>(kHeaderFields), kCurrent, kHeaderSize[kCurrent]));
@@ -140,20 +137,14 @@ HRESULT read(Source& in, Form form, Component& into) {
 }
 HRESULT read(Source& in, Node& into) { return readRecord(in, kNodeFields, 0, kNodeSize, into); }
 HRESULT read(Source& in, Line& into) { return readRecord(in, kLineFields, 0, kLineSize, into); }
-HRESULT read(Source& in, Triangle& into) {
-    return readRecord(in, kTriangleFields, 0, kTriangleSize, into);
-}
+HRESULT read(Source& in, Triangle& into) { return readRecord(in, kTriangleFields, 0, kTriangleSize, into); }
 
-HRESULT write(IStream* out, const Header& from) {
-    return writeRecord(out, kHeaderFields, kHeaderSize[kCurrent], from);
-}
+HRESULT write(IStream* out, const Header& from) { return writeRecord(out, kHeaderFields, kHeaderSize[kCurrent], from); }
 HRESULT write(IStream* out, const Component& from) {
     return writeRecord(out, kComponentFields, kComponentSize[kCurrent], from);
 }
 HRESULT write(IStream* out, const Node& from) { return writeRecord(out, kNodeFields, kNodeSize, from); }
 HRESULT write(IStream* out, const Line& from) { return writeRecord(out, kLineFields, kLineSize, from); }
-HRESULT write(IStream* out, const Triangle& from) {
-    return writeRecord(out, kTriangleFields, kTriangleSize, from);
-}
+HRESULT write(IStream* out, const Triangle& from) { return writeRecord(out, kTriangleFields, kTriangleSize, from); }
 
 }  // namespace nvdl::geometry_record

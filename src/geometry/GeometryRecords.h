@@ -37,14 +37,14 @@ inline constexpr long kCurrentFormVersion = 19960905;
 struct Header {
     std::string name;
     std::int32_t components = 0;
-    std::string coordinateText;        // current form
+    std::string coordinateText;         // current form
     std::int32_t coordinateNumber = 0;  // old form: 0, 1, 2
 };
 
 struct Component {
     std::string name;
     float x = 0, y = 0, z = 0, rotationX = 0, rotationY = 0, rotationZ = 0;
-    std::string coordinateText;        // current form
+    std::string coordinateText;         // current form
     std::int32_t coordinateNumber = 0;  // old form
     std::int32_t visibility = 0, colorIndex = 0, highlight = 0, drawSolid = 0;
     std::int32_t nodes = 0, lines = 0, triangles = 0;

@@ -6,8 +6,8 @@
 #include <string>
 
 #include "frame/EnumTable.h"
-#include "platform/MessageFormat.h"
 #include "nvdl/Variant.h"
+#include "platform/MessageFormat.h"
 
 namespace nvdl::geometry {
 

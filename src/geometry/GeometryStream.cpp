@@ -35,8 +35,8 @@ HRESULT append(CObjectCollection& list, IDispatch* item) {
 
 HRESULT saveNode(IStream* stream, CNode& node) {
     const NodeFields& f = node.m_fields;
-    rec::Node r{f.Name, f.X, f.Y, f.Z, f.RotationX, f.RotationY, f.RotationZ, f.Highlight, f.SlaveNode,
-                f.MasterNode1, f.MasterNode2, 0};
+    rec::Node r{f.Name,      f.X,         f.Y,         f.Z,           f.RotationX,   f.RotationY,
+                f.RotationZ, f.Highlight, f.SlaveNode, f.MasterNode1, f.MasterNode2, 0};
     if (HRESULT h = rec::write(stream, r); FAILED(h)) return h;
     return node.put_Modified(0);
 }
@@ -93,9 +93,18 @@ HRESULT loadNode(rec::Source& in, CComponent& component) {
     // Words behind the record belong to no field of the node.
     if (r.wordsAfter < 0 || FAILED(in.skip(std::uint64_t(r.wordsAfter) * 4))) return E_FAIL;
     ComPtr<CNode> node(new CNode);
-    node->m_fields = {r.name, r.x, r.y, r.z, r.rotationX, r.rotationY, r.rotationZ,
-                      static_cast<std::int16_t>(r.highlight), 0, static_cast<std::int16_t>(r.slaveNode),
-                      r.masterNode1, r.masterNode2};
+    node->m_fields = {r.name,
+                      r.x,
+                      r.y,
+                      r.z,
+                      r.rotationX,
+                      r.rotationY,
+                      r.rotationZ,
+                      static_cast<std::int16_t>(r.highlight),
+                      0,
+                      static_cast<std::int16_t>(r.slaveNode),
+                      r.masterNode1,
+                      r.masterNode2};
     return append(component.nodes(), node->dispatch());
 }
 

@@ -19,7 +19,8 @@ HRESULT CLine::Node12(BSTR node1, BSTR node2) {
 
 HRESULT CLine::Clip(BSTR format, BSTR* text) {
     if (!text) return E_POINTER;
-    const MessageArg fields[] = {m_fields.Node1, m_fields.Node2, std::int32_t{m_fields.Visibility}, m_fields.ColorIndex};
+    const MessageArg fields[] = {m_fields.Node1, m_fields.Node2, std::int32_t{m_fields.Visibility},
+                                 m_fields.ColorIndex};
     return geometry::clipFields(format, fields, text);
 }
 

@@ -54,9 +54,18 @@ HRESULT CNode::Clip(BSTR format, BSTR* text) {
     using geometry::truncated;
     const NodeFields& f = m_fields;
     const MessageArg fields[] = {
-        f.Name,           truncated(f.X),         truncated(f.Y),         truncated(f.Z),
-        truncated(f.RotationX), truncated(f.RotationY), truncated(f.RotationZ), std::int32_t{f.Highlight},
-        f.ColorIndex,     std::int32_t{f.SlaveNode}, f.MasterNode1,        f.MasterNode2,
+        f.Name,
+        truncated(f.X),
+        truncated(f.Y),
+        truncated(f.Z),
+        truncated(f.RotationX),
+        truncated(f.RotationY),
+        truncated(f.RotationZ),
+        std::int32_t{f.Highlight},
+        f.ColorIndex,
+        std::int32_t{f.SlaveNode},
+        f.MasterNode1,
+        f.MasterNode2,
     };
     return geometry::clipFields(format, fields, text);
 }

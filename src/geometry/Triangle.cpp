@@ -21,7 +21,8 @@ HRESULT CTriangle::Node123(BSTR node1, BSTR node2, BSTR node3) {
 // The second node has no insert: the inserts are the first and third nodes, visibility and colour.
 HRESULT CTriangle::Clip(BSTR format, BSTR* text) {
     if (!text) return E_POINTER;
-    const MessageArg fields[] = {m_fields.Node1, m_fields.Node3, std::int32_t{m_fields.Visibility}, m_fields.ColorIndex};
+    const MessageArg fields[] = {m_fields.Node1, m_fields.Node3, std::int32_t{m_fields.Visibility},
+                                 m_fields.ColorIndex};
     return geometry::clipFields(format, fields, text);
 }
 
