@@ -47,6 +47,8 @@ public:
     HRESULT Load(ITypeLib* library, IDispatch* owner);
     // Removes the first name equal to `name`, case ignored.
     void Remove(std::string_view name);
+    // Adds a name at the end, for an owner that lists its fields itself.
+    void Append(std::string name) { m_names.push_back(std::move(name)); }
     const std::vector<std::string>& names() const { return m_names; }
 
 private:

@@ -1,0 +1,24 @@
+// ITriangle: a face of a component between three nodes, named by their names.
+#pragma once
+
+#include "nvdl/Identifiers.h"
+#include "nvdl/Members.h"
+
+#define NVDL_ITRIANGLE_MEMBERS(M)                                \
+    M(field_get, Node1, (BSTR* value))                           \
+    M(field_get, Node2, (BSTR* value))                           \
+    M(field_get, Node3, (BSTR* value))                           \
+    M(call, Node123, (BSTR node1, BSTR node2, BSTR node3))       \
+    M(field_get, Visibility, (SHORT* value))                     \
+    M(field_put, Visibility, (SHORT value))                      \
+    M(field_get, ColorIndex, (LONG* value))                      \
+    M(field_put, ColorIndex, (LONG value))                       \
+    M(frame_get, Modified, (SHORT* modified))                    \
+    M(frame_put, Modified, (SHORT modified))                     \
+    M(frame_get, Parent, (IDispatch** parent))                   \
+    M(frame_put, Parent, (IDispatch* parent))                    \
+    M(call, Clip, (BSTR format, BSTR* text))                     \
+    M(frame_call, Clone, (ITriangle** copy))                     \
+    M(native_frame, LoadTypeInfo, (LCID lcid, ITypeInfo** info))
+
+NVDL_INTERFACE(ITriangle, NVDL_ITRIANGLE_MEMBERS);
