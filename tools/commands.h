@@ -8,5 +8,6 @@ using Command = int (*)(int argc, char** argv);
 
 int demo(int argc, char** argv);
 int tree(int argc, char** argv);
+int ls(int argc, char** argv);
 
 }  // namespace nvdl::tool

@@ -14,6 +14,7 @@ protected:
 };
 
 struct IPersistStream : IPersist {
+    static constexpr const IID& iid = IID_IPersistStream;
     // S_OK when there are unsaved changes, S_FALSE otherwise.
     virtual HRESULT IsDirty() = 0;
     virtual HRESULT Load(IStream* stream) = 0;
@@ -29,6 +30,7 @@ struct IStorage;
 inline constexpr IID IID_IPersistStorage{0x0000010A, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 
 struct IPersistStorage : IPersist {
+    static constexpr const IID& iid = IID_IPersistStorage;
     // S_OK when there are unsaved changes, S_FALSE otherwise.
     virtual HRESULT IsDirty() = 0;
     virtual HRESULT InitNew(IStorage* storage) = 0;

@@ -1,9 +1,12 @@
 #include "platform/ReplaceFile.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
+#include <cstdlib>
 #include <cstdio>
 #include <string>
 #include <system_error>
@@ -20,6 +23,23 @@ std::filesystem::path temporaryBeside(const std::filesystem::path& target) {
     std::string name = "." + target.filename().string() + ".saving." + std::to_string(::getpid()) + "." +
                        std::to_string(counter++);
     return target.parent_path() / name;
+}
+
+// Removes the temporary files that saves of `target` by processes no longer running left behind.
+void removeStaleTemporaries(const std::filesystem::path& target) {
+    const std::string prefix = "." + target.filename().string() + ".saving.";
+    std::error_code error;
+    std::filesystem::directory_iterator entries(target.parent_path().empty() ? "." : target.parent_path(), error);
+    if (error) return;
+    for (const auto& entry : entries) {
+        const std::string name = entry.path().filename().string();
+        if (name.rfind(prefix, 0) != 0) continue;
+        const long pid = std::atol(name.c_str() + prefix.size());
+        if (pid > 0 && ::kill(static_cast<pid_t>(pid), 0) != 0 && errno == ESRCH) {
+            std::error_code ignored;
+            std::filesystem::remove(entry.path(), ignored);
+        }
+    }
 }
 
 // Flushes a file's data (or a folder's entries) to the disk.
@@ -42,9 +62,11 @@ HRESULT writeAndCommit(const std::filesystem::path& path, const std::function<HR
 
 }  // namespace
 
-HRESULT replaceWithCompoundFile(const std::filesystem::path& target, const std::function<HRESULT(IStorage*)>& write) {
+HRESULT replaceFile(const std::filesystem::path& target,
+                    const std::function<HRESULT(const std::filesystem::path& temporary)>& write) {
+    removeStaleTemporaries(target);
     const std::filesystem::path temporary = temporaryBeside(target);
-    HRESULT h = writeAndCommit(temporary, write);
+    HRESULT h = write(temporary);
     if (SUCCEEDED(h) && !flushToDisk(temporary, false)) h = STG_E_WRITEFAULT;
     if (SUCCEEDED(h)) {
         std::error_code error;
@@ -58,6 +80,10 @@ HRESULT replaceWithCompoundFile(const std::filesystem::path& target, const std::
     }
     flushToDisk(target.parent_path(), true);  // the rename itself; the data are safe already
     return S_OK;
+}
+
+HRESULT replaceWithCompoundFile(const std::filesystem::path& target, const std::function<HRESULT(IStorage*)>& write) {
+    return replaceFile(target, [&write](const std::filesystem::path& temporary) { return writeAndCommit(temporary, write); });
 }
 
 }  // namespace nvdl

@@ -5,6 +5,7 @@
 
 #include "../frame/ForeignParent.h"
 #include "../frame/TestObjects.h"
+#include "../platform/StorageTree.h"
 #include "../platform/TempDir.h"
 #include "SetupTestSupport.h"
 #include "nvdl/ISetup.h"
@@ -20,29 +21,6 @@ SHORT modifiedOf(IDispatch* object) {
     latebound::get(object, u"Modified", &v);
     v.changeType(VT_I2);
     return v.iVal;
-}
-
-// The paths of a compound file's elements, depth first in storage order.
-void listTree(IStorage* storage, const std::string& prefix, std::vector<std::string>& paths) {
-    std::vector<STATSTG> elements;
-    ASSERT_EQ(storage->EnumElements(&elements), S_OK);
-    for (const STATSTG& e : elements) {
-        paths.push_back(prefix + narrow(e.name));
-        if (e.type != STGTY_STORAGE) continue;
-        ComPtr<IStorage> child;
-        ASSERT_EQ(storage->OpenStorage(e.name.c_str(), nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, nullptr, 0, child.out()),
-                  S_OK);
-        listTree(child.get(), prefix + narrow(e.name) + "/", paths);
-    }
-}
-
-std::vector<std::string> treeOf(const std::filesystem::path& file) {
-    ComPtr<IStorage> root;
-    EXPECT_EQ(openCompoundFile(file, STGM_READ, root.out()), S_OK);
-    std::vector<std::string> paths;
-    if (root) listTree(root.get(), "", paths);
-    std::sort(paths.begin(), paths.end());
-    return paths;
 }
 
 HRESULT saveSetup(ISetup* setup, const std::filesystem::path& file) {

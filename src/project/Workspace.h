@@ -1,0 +1,92 @@
+// CWorkspace: the container of one set of results - measurements, modes, geometries, acquisition
+// setups and data blocks - each in a named collection that the workspace owns. A project holds
+// workspaces; a workspace also lives alone as a workspace file, read and written by a loader found
+// through the loader registry (project/WorkspaceFile.cpp).
+#pragma once
+
+#include <string>
+
+#include "frame/ObjectCollection.h"
+#include "frame/ObjectFrame.h"
+#include "frame/PersistCompanion.h"
+#include "nvdl/IWorkspace.h"
+#include "nvdl/Persist.h"
+
+namespace nvdl {
+
+class CWorkspace;
+
+struct WorkspaceFields {
+    std::string FullPathName;
+    std::string OriginFile;
+    std::string OriginTime;  // a date as text, as ctime writes it
+    std::int16_t Default = 0;
+    std::string ShmLink;     // the name of the shared record that publishes the workspace
+};
+
+// The workspace in a storage: the workspace file's tree, read and written in place.
+class CWorkspacePersistStorage final : public CPersistCompanion<CWorkspace, IPersistStorage> {
+public:
+    using CPersistCompanion::CPersistCompanion;
+    // Nothing to prepare in a new storage, nothing kept between calls: InitNew, SaveCompleted and
+    // HandsOffStorage do nothing.
+    HRESULT InitNew(IStorage*) override { return S_OK; }
+    HRESULT Load(IStorage* storage) override;
+    HRESULT Save(IStorage* storage, int sameStorage) override;
+    HRESULT SaveCompleted(IStorage*) override { return S_OK; }
+    HRESULT HandsOffStorage() override { return S_OK; }
+};
+
+class CWorkspace final : public CObjectFrame<CWorkspace, IWorkspace> {
+public:
+    static constexpr const char* kClassName = "CWorkspace";
+    static constexpr const CLSID& kClassId = CLSID_CWorkspace;
+    static constexpr IID kModifiedParents[] = {IID_IProject};
+
+    static IDispatch* create() { return (new CWorkspace)->dispatch(); }
+    // A new workspace named "Workspace%d" by the process-wide count of such workspaces.
+    CWorkspace();
+    // A new workspace of the given name.
+    explicit CWorkspace(std::string name);
+    ~CWorkspace() override;
+
+    NVDL_IMPLEMENTS(NVDL_IWORKSPACE_MEMBERS)
+
+    // The names, times and the default flag, then clones of the items: measurements, data blocks,
+    // geometries, modes, setups.
+    static HRESULT Copy(IWorkspace* source, IWorkspace* target);
+
+    CObjectCollection& measurements() { return m_measurements; }
+    CObjectCollection& modes() { return m_modes; }
+    CObjectCollection& geometries() { return m_geometries; }
+    CObjectCollection& setups() { return m_setups; }
+    CObjectCollection& dataBlocks() { return m_dataBlocks; }
+    // Whether measurements take unit objects when they are read.
+    bool loadUnits() const { return m_loadUnits != 0; }
+    // Sets or clears the flag directly, without telling a project.
+    void setModifiedHere(SHORT modified) { m_modified = modified; }
+    void setSourceName(std::string name) { m_sourceName = std::move(name); }
+
+    WorkspaceFields m_fields;
+
+private:
+    HRESULT queryCompanion(REFIID riid, void** ppv) override;
+    void ownCollections();
+    // Makes a path unique among the FullPathName of the workspaces of the parent project.
+    void GenerateUnicId(std::string& name);
+
+    std::string m_name;
+    std::string m_sourceName;
+    SHORT m_loadUnits = 1;
+    CWorkspacePersistStorage m_persistStorage{*this};
+    CObjectCollection m_measurements{IID_IMeasurements};
+    CObjectCollection m_modes{IID_IModes};
+    CObjectCollection m_geometries{IID_IGeometries};
+    CObjectCollection m_setups{IID_ISetups};
+    CObjectCollection m_dataBlocks{IID_IDataBlocks};
+};
+
+// A new direct writer of a workspace file (IWsStorageV2), with one reference.
+HRESULT createWsStorageV2(void** ppv);
+
+}  // namespace nvdl
