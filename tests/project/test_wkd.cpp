@@ -77,7 +77,34 @@ TEST(Wkd, AWorkspaceWithEveryKindOfItemReadsBackEqual) {
     expectProperties(itemAt(collectionNamed(loaded.get(), u"Setups").get(), 0).get(), {{"Name", "Hammer test"}});
 }
 
-// A workspace file of one version tag with one measurement record of the generation that tag calls for.
+// A geometry "frame" of one component "beam" (cylindrical) in the records of the tag's time.
+std::vector<std::uint8_t> geometryRecords(long version) {
+    if (version < 19960905) {
+        ByteRecord r(8 + 108);
+        r.i32(0, 1);
+        r.i32(4, 1);  // cylindrical, as a number
+        r.text(8, 50, "beam");
+        r.i32(8 + 76, 1);
+        return r.bytes;
+    }
+    ByteRecord r(108 + 156);
+    r.text(0, 50, "frame");
+    r.i32(52, 1);
+    r.text(56, 50, "Cylindrical");
+    r.text(108, 50, "beam");
+    r.text(108 + 76, 50, "Cylindrical");
+    return r.bytes;
+}
+
+// A mode of 12.5 Hz without coefficients in the record of the tag's time.
+std::vector<std::uint8_t> modeRecord(long version) {
+    ByteRecord r(version < 19960905 ? 128 : version <= 20021112 ? 188 : 676);
+    r.f32(version < 19960905 ? 0 : 52, 12.5f);
+    return r.bytes;
+}
+
+// A workspace file of one version tag with one measurement record of the generation that tag calls
+// for, and a geometry and a mode in the records of that tag.
 void writeVersionFile(const std::filesystem::path& file, const char* tag, const std::vector<std::uint8_t>& record,
                       const char* name = "Old bench") {
     ComPtr<IStorage> root;
@@ -90,6 +117,11 @@ void writeVersionFile(const std::filesystem::path& file, const char* tag, const 
     putStream(ws.get(), u"WorkspaceStream", wsRecord);
     putStream(ws.get(), u"WorkspaceName", textBytes(name));
     putStream(childStorage(ws.get(), u"Blocks").get(), u"Meas<0>", record);
+    const long version = wkdVersionNumber(tag);
+    if (version != 0) {
+        putStream(childStorage(ws.get(), u"Geometries").get(), u"Geom<0>", geometryRecords(version));
+        putStream(childStorage(ws.get(), u"Modes").get(), u"Mode<0>", modeRecord(version));
+    }
     ASSERT_EQ(root->Commit(STGC_DEFAULT), S_OK);
 }
 
@@ -125,6 +157,10 @@ TEST(Wkd, EveryVersionTagReadsTheMeasurementGenerationItCallsFor) {
         ComPtr<ICollection> measurements = collectionNamed(ws.get(), u"Measurements");
         ASSERT_EQ(countOf(measurements.get()), 1);
         if (*v.measurementName) expectProperties(itemAt(measurements.get(), 0).get(), {{"Name", v.measurementName}});
+        ComPtr<IDispatch> geometry = itemAt(collectionNamed(ws.get(), u"Geometries").get(), 0);
+        expectProperties(itemAt(collectionNamed(geometry.get(), u"Components").get(), 0).get(),
+                         {{"Name", "beam"}, {"CoordinateType", "1402"}});
+        expectProperties(itemAt(collectionNamed(ws.get(), u"Modes").get(), 0).get(), {{"Frequency", "12.5"}});
     }
 }
 

@@ -3,6 +3,7 @@ samples as numpy arrays; and the refusals of a file that cannot be written."""
 import os
 import stat
 import subprocess
+import sys
 
 import numpy
 import pytest
@@ -10,6 +11,9 @@ import pytest
 import nvdl
 
 NVDL = os.path.join(os.environ.get("NVDL_BUILD_DIR", "build"), "nvdl")
+
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "platform"))
+import cfb_oracle  # noqa: E402
 
 
 def test_save_list_and_load(tmp_path):
@@ -28,6 +32,10 @@ def test_save_list_and_load(tmp_path):
     path = tmp_path / "bench.wkd"
     ws.Save(str(path))
     assert ws.Name == "bench"  # after its file, once saved
+
+    tree = subprocess.run([NVDL, "tree", str(path)], capture_output=True, text=True)
+    assert tree.stdout.splitlines() == cfb_oracle.olefile_lines(path)
+    assert "/Workspace/Blocks/Meas<0>\tstream" in tree.stdout
 
     listing = subprocess.run([NVDL, "ls", str(path)], capture_output=True, text=True)
     assert listing.returncode == 0, listing.stderr
