@@ -43,3 +43,20 @@ struct IPersistStorage : IPersist {
 protected:
     ~IPersistStorage() = default;
 };
+
+inline constexpr IID IID_IPersistFile{0x0000010B, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
+
+struct IPersistFile : IPersist {
+    static constexpr const IID& iid = IID_IPersistFile;
+    // S_OK when there are unsaved changes, S_FALSE otherwise.
+    virtual HRESULT IsDirty() = 0;
+    virtual HRESULT Load(const OLECHAR* file, DWORD mode) = 0;
+    // `remember` non-zero makes `file` the object's current file.
+    virtual HRESULT Save(const OLECHAR* file, int remember) = 0;
+    virtual HRESULT SaveCompleted(const OLECHAR* file) = 0;
+    // The current file, allocated for the caller (freed with SysFreeString).
+    virtual HRESULT GetCurFile(OLECHAR** file) = 0;
+
+protected:
+    ~IPersistFile() = default;
+};

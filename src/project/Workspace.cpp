@@ -63,8 +63,9 @@ void CWorkspace::ownCollections() {
 // The storage persistence, and on demand a direct writer of a new workspace file of its own.
 HRESULT CWorkspace::queryCompanion(REFIID riid, void** ppv) {
     if (riid == IID_IWsStorageV2) return createWsStorageV2(ppv);
-    if (riid != IID_IPersistStorage && riid != IID_IPersist) return E_NOINTERFACE;
-    *ppv = static_cast<IPersistStorage*>(&m_persistStorage);
+    if (riid == IID_IPersistFile) *ppv = static_cast<IPersistFile*>(&m_persistFile);
+    else if (riid == IID_IPersistStorage || riid == IID_IPersist) *ppv = static_cast<IPersistStorage*>(&m_persistStorage);
+    else return E_NOINTERFACE;
     AddRef();
     return S_OK;
 }

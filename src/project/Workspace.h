@@ -37,6 +37,21 @@ public:
     HRESULT HandsOffStorage() override { return S_OK; }
 };
 
+// The workspace as a file of its own, for hosts that open documents by file name.
+class CWorkspacePersistFile final : public CPersistCompanion<CWorkspace, IPersistFile> {
+public:
+    using CPersistCompanion::CPersistCompanion;
+    // Load through the loader of the file, as Load does.
+    HRESULT Load(const OLECHAR* file, DWORD mode) override;
+    // Save takes the path of a save without a file name, which a workspace refuses: the call does
+    // nothing and fails, whatever it is given. Hosts save through the workspace's own Save.
+    HRESULT Save(const OLECHAR* file, int remember) override;
+    // Nothing to finish after a save.
+    HRESULT SaveCompleted(const OLECHAR*) override { return S_OK; }
+    // The file the workspace was last read from or saved to.
+    HRESULT GetCurFile(OLECHAR** file) override;
+};
+
 class CWorkspace final : public CObjectFrame<CWorkspace, IWorkspace> {
 public:
     static constexpr const char* kClassName = "CWorkspace";
@@ -79,6 +94,7 @@ private:
     std::string m_sourceName;
     SHORT m_loadUnits = 1;
     CWorkspacePersistStorage m_persistStorage{*this};
+    CWorkspacePersistFile m_persistFile{*this};
     CObjectCollection m_measurements{IID_IMeasurements};
     CObjectCollection m_modes{IID_IModes};
     CObjectCollection m_geometries{IID_IGeometries};

@@ -22,4 +22,22 @@ HRESULT CWorkspacePersistStorage::Save(IStorage* storage, int) {
     return saveWkd(storage, m_owner, message);
 }
 
+HRESULT CWorkspacePersistFile::Load(const OLECHAR* file, DWORD) {
+    if (!file) return E_POINTER;
+    Bstr name(std::u16string_view{file});
+    Variant noLoader;
+    return m_owner.Load(name.get(), noLoader);
+}
+
+HRESULT CWorkspacePersistFile::Save(const OLECHAR*, int) {
+    Variant noLoader;
+    return m_owner.Save(nullptr, noLoader);
+}
+
+HRESULT CWorkspacePersistFile::GetCurFile(OLECHAR** file) {
+    if (!file) return E_POINTER;
+    *file = allocBstrFromAnsi(m_owner.m_fields.FullPathName);
+    return S_OK;
+}
+
 }  // namespace nvdl

@@ -75,6 +75,18 @@ TEST(Wkd, AWorkspaceWithEveryKindOfItemReadsBackEqual) {
     expectProperties(itemAt(collectionNamed(loaded.get(), u"Modes").get(), 0).get(),
                      {{"Name", "first bending"}, {"Frequency", "12.5"}});
     expectProperties(itemAt(collectionNamed(loaded.get(), u"Setups").get(), 0).get(), {{"Name", "Hammer test"}});
+
+    // A host that opens documents by file name reaches the same through the file persistence.
+    ComPtr<IWorkspace> opened = newWorkspace();
+    auto asFile = ComPtr<IPersistFile>::query(opened.get());
+    ASSERT_EQ(asFile->Load(widen(file.string()).c_str(), 0), S_OK);
+    EXPECT_EQ(countOf(collectionNamed(opened.get(), u"Measurements").get()), 2);
+    OLECHAR* current = nullptr;
+    ASSERT_EQ(asFile->GetCurFile(&current), S_OK);
+    EXPECT_EQ(narrow(current), file.string());
+    SysFreeString(current);
+    EXPECT_EQ(asFile->Save(u"elsewhere.wkd", 1), E_FAIL);  // saving goes through the workspace's own Save
+    EXPECT_FALSE(std::filesystem::exists("elsewhere.wkd"));
 }
 
 // A geometry "frame" of one component "beam" (cylindrical) in the records of the tag's time.
