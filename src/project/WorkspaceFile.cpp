@@ -20,6 +20,10 @@ namespace nvdl {
 
 namespace {
 
+// Workspace files store the workspace's own class. Refusing that class wherever it came from would
+// refuse every workspace file; so only a loader named as the workspace itself is refused, and a file
+// of the workspace class reaches the workspace file loader through the loader table.
+
 // A file that the system reports as having no class, and the loader that such a file is saved with.
 constexpr CLSID kUnclassedFile{0x00020C01, 0x0000, 0x0000, {0xC0, 0, 0, 0, 0, 0, 0, 0x46}};
 constexpr CLSID kUnclassedLoader{0x3FBD0F68, 0x4821, 0x403b, {0xA4, 0x06, 0x6F, 0xE9, 0xE7, 0x75, 0x10, 0xC6}};
