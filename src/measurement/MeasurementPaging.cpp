@@ -147,11 +147,11 @@ HRESULT CMeasurement::InternalReadFormat(LONG start, LONG count, IStream* stream
     m_isUncompleted = block < m_fileSamples ? 1 : 0;
     m_isUsefullData = block < n ? 0 : 1;
 
-    IStream* source = m_isUncompleted ? GetDataStream() : nullptr;
-    if (!source && stream) {
-        source = stream;
-        source->AddRef();
-    }
+    // The stream being read holds the same bytes as the backing stream and is open already: a
+    // workspace of many long records then opens its file once, not once per record.
+    IStream* source = stream;
+    if (source) source->AddRef();
+    else if (m_isUncompleted) source = GetDataStream();
     struct Leave {
         CMeasurement& self;
         IStream*& source;

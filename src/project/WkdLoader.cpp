@@ -33,7 +33,10 @@ HRESULT CWkdLoader::Save(BSTR file, IDispatch* workspace) {
     CWorkspace* ws = workspaceOf(workspace);
     if (!file || !ws) return E_POINTER;
     ComPtr<IStorage> root;
-    HRESULT h = createCompoundFile(pathFromAnsi(bstrToAnsi(file)), STGM_CREATE | STGM_READWRITE, root.out());
+    // Sectors of 4096 bytes from the start: the tables of a file of long records stay small, so
+    // opening it costs the same for a gigabyte as for a few megabytes.
+    HRESULT h = createCompoundFile(pathFromAnsi(bstrToAnsi(file)), STGM_CREATE | STGM_READWRITE, root.out(),
+                                   CompoundFileOptions{true});
     if (FAILED(h)) return h;
     std::string message;
     h = saveWkd(root.get(), *ws, message);
