@@ -11,12 +11,12 @@
 #include <string>
 #include <vector>
 
+#include "PagingBenchSetup.h"
 #include "measurement/Measurement.h"
 #include "measurement/MeasurementBlockWriter.h"
 #include "nvdl/Persist.h"
 #include "nvdl/Storage.h"
 #include "platform/ComPtr.h"
-#include "platform/Registry.h"
 
 namespace {
 
@@ -27,26 +27,9 @@ constexpr LONG kBlocks = 1'000;
 constexpr std::int64_t kSamples = std::int64_t{kBlockSize} * kBlocks;
 constexpr std::size_t kRawPiece = std::size_t{4} << 20;
 
-std::filesystem::path workDir() {
-    static const std::filesystem::path dir = [] {
-        auto d = std::filesystem::temp_directory_path() / ("nvdl_bench_paging_" + std::to_string(::getpid()));
-        std::filesystem::create_directories(d);
-        std::ofstream(d / "registry.txt") << "[HKEY_CURRENT_USER\\" << registry::kSettingsKey << "]\n"
-                                          << "\"MaxBlockSize\"=\"32768\"\n\"LongFileFeature\"=\"1\"\n";
-        ::setenv("NVDL_REGISTRY", (d / "registry.txt").c_str(), 1);
-        ::setenv("NVDL_UNIT_SERVICE", "0", 1);
-        return d;
-    }();
-    return dir;
-}
+std::filesystem::path workDir() { return bench::pagingWorkDir("nvdl_bench_paging"); }
 
-long residentKiB() {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line))
-        if (line.rfind("VmRSS:", 0) == 0) return std::atol(line.c_str() + 6);
-    return -1;
-}
+using bench::residentKiB;
 
 float sample(std::int64_t i) { return static_cast<float>(i % 20011) * 0.01f - 100.0f; }
 

@@ -10,10 +10,10 @@
 #include <string>
 #include <vector>
 
+#include "PagingBenchSetup.h"
 #include "measurement/Measurement.h"
 #include "measurement/MeasurementBlockWriter.h"
 #include "platform/ComPtr.h"
-#include "platform/Registry.h"
 #include "project/WkdStorage.h"
 #include "project/Workspace.h"
 
@@ -24,26 +24,9 @@ using namespace nvdl;
 constexpr int kMeasurements = 10;
 constexpr LONG kBlockSize = 250'000;  // samples per written block: 1 MB
 
-std::filesystem::path workDir() {
-    static const std::filesystem::path dir = [] {
-        auto d = std::filesystem::temp_directory_path() / ("nvdl_bench_wkd_" + std::to_string(::getpid()));
-        std::filesystem::create_directories(d);
-        std::ofstream(d / "registry.txt") << "[HKEY_CURRENT_USER\\" << registry::kSettingsKey << "]\n"
-                                          << "\"MaxBlockSize\"=\"32768\"\n\"LongFileFeature\"=\"1\"\n";
-        ::setenv("NVDL_REGISTRY", (d / "registry.txt").c_str(), 1);
-        ::setenv("NVDL_UNIT_SERVICE", "0", 1);
-        return d;
-    }();
-    return dir;
-}
+std::filesystem::path workDir() { return bench::pagingWorkDir("nvdl_bench_wkd"); }
 
-long residentKiB() {
-    std::ifstream status("/proc/self/status");
-    std::string line;
-    while (std::getline(status, line))
-        if (line.rfind("VmRSS:", 0) == 0) return std::atol(line.c_str() + 6);
-    return -1;
-}
+using bench::residentKiB;
 
 // A workspace file of ten time records of `blocks` blocks each.
 std::filesystem::path workspaceFile(LONG blocks) {

@@ -1,5 +1,7 @@
 #include "frame/EnumTable.h"
 
+#include "platform/CodePage.h"
+
 namespace nvdl {
 
 const std::u16string_view* EnumTable::lookupString(LONG value) const {
@@ -23,6 +25,27 @@ HRESULT EnumTable::translate(LONG value, BSTR* text) const {
     if (!text) return E_POINTER;
     const std::u16string_view* found = lookupString(value);
     *text = allocBstr(found ? *found : std::u16string_view());
+    return S_OK;
+}
+
+std::string EnumTable::textOf(LONG value) const {
+    const std::u16string_view* text = lookupString(value);
+    return text ? narrow(*text) : std::string();
+}
+
+HRESULT EnumTable::valueOf(const VARIANT& given, LONG& value) const {
+    Variant number;
+    HRESULT h = VariantChangeType(&number, &given, 0, VT_I4);
+    if (SUCCEEDED(h)) {
+        value = number.lVal;
+        return S_OK;
+    }
+    if (h != DISP_E_TYPEMISMATCH) return h;
+    Variant text;
+    if (HRESULT t = VariantChangeType(&text, &given, 0, VT_BSTR); FAILED(t)) return t;
+    const LONG found = lookupEnum(bstrView(text.bstrVal));
+    if (found == -1) return E_INVALIDARG;
+    value = found;
     return S_OK;
 }
 

@@ -18,26 +18,9 @@ constexpr EnumTable kTable{kGeometryEnums};
 
 const EnumTable& enums() { return kTable; }
 
-std::string enumText(LONG code) {
-    const std::u16string_view* text = kTable.lookupString(code);
-    return text ? narrow(*text) : std::string();
-}
+std::string enumText(LONG code) { return kTable.textOf(code); }
 
-HRESULT coordinateTypeOf(const VARIANT& value, LONG& code) {
-    Variant number;
-    HRESULT h = VariantChangeType(&number, &value, 0, VT_I4);
-    if (SUCCEEDED(h)) {
-        code = number.lVal;
-        return S_OK;
-    }
-    if (h != DISP_E_TYPEMISMATCH) return h;
-    Variant text;
-    if (HRESULT t = VariantChangeType(&text, &value, 0, VT_BSTR); FAILED(t)) return t;
-    LONG found = kTable.lookupEnum(bstrView(text.bstrVal));
-    if (found == -1) return E_INVALIDARG;
-    code = found;
-    return S_OK;
-}
+HRESULT coordinateTypeOf(const VARIANT& value, LONG& code) { return kTable.valueOf(value, code); }
 
 HRESULT clipFields(BSTR format, std::span<const MessageArg> fields, BSTR* text) {
     if (!text) return E_POINTER;

@@ -36,25 +36,8 @@ const EnumTable g_modeEnums{kModeEnums};
 
 const EnumTable& modeEnumTable() { return g_modeEnums; }
 
-HRESULT modeCodeOf(const VARIANT& value, LONG& code) {
-    Variant number;
-    HRESULT h = VariantChangeType(&number, &value, 0, VT_I4);
-    if (SUCCEEDED(h)) {
-        code = number.lVal;
-        return S_OK;
-    }
-    if (h != DISP_E_TYPEMISMATCH) return h;
-    Variant text;
-    if (HRESULT t = VariantChangeType(&text, &value, 0, VT_BSTR); FAILED(t)) return t;
-    LONG found = g_modeEnums.lookupEnum(bstrView(text.bstrVal));
-    if (found == -1) return E_INVALIDARG;
-    code = found;
-    return S_OK;
-}
+HRESULT modeCodeOf(const VARIANT& value, LONG& code) { return g_modeEnums.valueOf(value, code); }
 
-std::string modeCodeText(LONG code) {
-    const std::u16string_view* text = g_modeEnums.lookupString(code);
-    return text ? narrow(*text) : std::string();
-}
+std::string modeCodeText(LONG code) { return g_modeEnums.textOf(code); }
 
 }  // namespace nvdl
