@@ -31,4 +31,16 @@ protected:
     Owner& m_owner;
 };
 
+// The storage companion of an object that reads or writes the storage it is given within one call
+// and keeps none between calls: preparing a new storage, finishing a save and letting a storage go
+// have nothing to do.
+template <class Owner>
+class CStoragePersistCompanion : public CPersistCompanion<Owner, IPersistStorage> {
+public:
+    using CPersistCompanion<Owner, IPersistStorage>::CPersistCompanion;
+    HRESULT InitNew(IStorage*) override { return S_OK; }
+    HRESULT SaveCompleted(IStorage*) override { return S_OK; }
+    HRESULT HandsOffStorage() override { return S_OK; }
+};
+
 }  // namespace nvdl

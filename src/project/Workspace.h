@@ -25,16 +25,11 @@ struct WorkspaceFields {
 };
 
 // The workspace in a storage: the workspace file's tree, read and written in place.
-class CWorkspacePersistStorage final : public CPersistCompanion<CWorkspace, IPersistStorage> {
+class CWorkspacePersistStorage final : public CStoragePersistCompanion<CWorkspace> {
 public:
-    using CPersistCompanion::CPersistCompanion;
-    // Nothing to prepare in a new storage, nothing kept between calls: InitNew, SaveCompleted and
-    // HandsOffStorage do nothing.
-    HRESULT InitNew(IStorage*) override { return S_OK; }
+    using CStoragePersistCompanion::CStoragePersistCompanion;
     HRESULT Load(IStorage* storage) override;
     HRESULT Save(IStorage* storage, int sameStorage) override;
-    HRESULT SaveCompleted(IStorage*) override { return S_OK; }
-    HRESULT HandsOffStorage() override { return S_OK; }
 };
 
 // The workspace as a file of its own, for hosts that open documents by file name.

@@ -37,16 +37,11 @@ struct SetupFields {
 };
 
 // The tree of storages: the header stream and a sub-storage per section.
-class CSetupPersistStorage final : public CPersistCompanion<CSetup, IPersistStorage> {
+class CSetupPersistStorage final : public CStoragePersistCompanion<CSetup> {
 public:
-    using CPersistCompanion::CPersistCompanion;
-    // A setup has nothing to prepare in a new storage, nothing to finish after a save and holds no
-    // storage between calls: InitNew, SaveCompleted and HandsOffStorage do nothing.
-    HRESULT InitNew(IStorage*) override { return S_OK; }
+    using CStoragePersistCompanion::CStoragePersistCompanion;
     HRESULT Load(IStorage* storage) override;
     HRESULT Save(IStorage* storage, int sameStorage) override;
-    HRESULT SaveCompleted(IStorage*) override { return S_OK; }
-    HRESULT HandsOffStorage() override { return S_OK; }
 };
 
 // The whole setup in one stream.
