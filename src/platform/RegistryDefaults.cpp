@@ -14,6 +14,9 @@ constexpr RegistryDefault kDefaults[] = {
     {Hive::CurrentUser, kSettingsKey, "LongFileFeature", "0"},
     {Hive::CurrentUser, kSettingsKey, "ComputationBlocksizeDivider", "1"},
     {Hive::CurrentUser, kSettingsKey, "UnitsFile", units::kShippedUnitsFile},
+    // What a zip bundle may unpack to: mebibytes of all entries together, and entries.
+    {Hive::CurrentUser, kSettingsKey, "ZipExtractLimitMB", "4096"},
+    {Hive::CurrentUser, kSettingsKey, "ZipMaxEntries", "10000"},
     // Regional date and time text of the user, for a machine whose settings file does not set it.
     {Hive::CurrentUser, kInternationalKey, "sShortDate", "M/d/yyyy"},
     {Hive::CurrentUser, kInternationalKey, "sDate", "/"},
