@@ -36,6 +36,12 @@ std::optional<std::string> readSetting(std::string_view valueName);
 // look at whether it changed): values[i] answers valueNames[i]. The spans have the same length.
 void readSettings(std::span<const std::string_view> valueNames, std::span<std::optional<std::string>> values);
 
+// Creates or replaces a string value in the settings file, which keeps the rest of its text
+// (comments, order, other keys) as it was; the key is added at the end when the file lacks it. The
+// file is replaced in one step, so that a reader never sees it half written. False when the file
+// cannot be written.
+bool writeString(Hive hive, std::string_view key, std::string_view valueName, std::string_view value);
+
 // The path of the file the store reads now; empty when no path can be made (no HOME either).
 std::string storePath();
 

@@ -9,10 +9,7 @@
 
 namespace nvdl::registry {
 
-namespace {
-
-// The file's text in the system code page.
-std::string decodeFile(std::string_view bytes) {
+std::string decodeRegistryFile(std::string_view bytes) {
     if (bytes.size() >= 2 && static_cast<std::uint8_t>(bytes[0]) == 0xFF &&
         static_cast<std::uint8_t>(bytes[1]) == 0xFE) {
         std::u16string units;
@@ -27,6 +24,8 @@ std::string decodeFile(std::string_view bytes) {
     return narrow(utf8ToUtf16(bytes));
 }
 
+namespace {
+
 std::string_view trim(std::string_view s) {
     const auto isSpace = [](char c) { return c == ' ' || c == '\t' || c == '\r'; };
     while (!s.empty() && isSpace(s.front())) s.remove_prefix(1);
@@ -34,12 +33,16 @@ std::string_view trim(std::string_view s) {
     return s;
 }
 
+}  // namespace
+
 std::optional<Hive> hiveByName(std::string_view name) {
     if (equalsIgnoringCase(name, "HKEY_CURRENT_USER") || equalsIgnoringCase(name, "HKCU")) return Hive::CurrentUser;
     if (equalsIgnoringCase(name, "HKEY_LOCAL_MACHINE") || equalsIgnoringCase(name, "HKLM")) return Hive::LocalMachine;
     if (equalsIgnoringCase(name, "HKEY_CLASSES_ROOT") || equalsIgnoringCase(name, "HKCR")) return Hive::ClassesRoot;
     return std::nullopt;
 }
+
+namespace {
 
 // Reads a quoted text at line[pos] (which is the opening quote); on success pos is behind the
 // closing quote. Only \\ and \" are escapes; any other backslash stands for itself.
@@ -83,13 +86,10 @@ private:
     void sectionLine(std::string_view text) {
         section_.reset();
         if (text.back() != ']') return skip("section without closing bracket");
-        std::string_view path = text.substr(1, text.size() - 2);
-        if (path.starts_with('-')) return skip("key deletions are not supported");
-        const std::size_t slash = path.find('\\');
-        const std::optional<Hive> hive = hiveByName(path.substr(0, slash));
-        if (!hive) return skip("unknown hive");
-        const std::string_view key = slash == std::string_view::npos ? std::string_view() : path.substr(slash + 1);
-        section_ = Section{*hive, normalizeKeyPath(key)};
+        if (text.substr(1).starts_with('-')) return skip("key deletions are not supported");
+        std::optional<std::pair<Hive, std::string>> section = sectionOfLine(text);
+        if (!section) return skip("unknown hive");
+        section_ = Section{section->first, std::move(section->second)};
         tree_.addKey(section_->hive, section_->key);
     }
 
@@ -124,8 +124,29 @@ private:
 
 }  // namespace
 
+std::optional<std::pair<Hive, std::string>> sectionOfLine(std::string_view line) {
+    line = trim(line);
+    if (line.size() < 2 || line.front() != '[' || line.back() != ']') return std::nullopt;
+    const std::string_view path = line.substr(1, line.size() - 2);
+    const std::size_t slash = path.find('\\');
+    const std::optional<Hive> hive = hiveByName(path.substr(0, slash));
+    if (!hive) return std::nullopt;
+    const std::string_view key = slash == std::string_view::npos ? std::string_view() : path.substr(slash + 1);
+    return std::pair{*hive, normalizeKeyPath(key)};
+}
+
+std::optional<std::string> valueNameOfLine(std::string_view line) {
+    line = trim(line);
+    if (line.starts_with('@')) return std::string();
+    std::size_t pos = 0;
+    if (!line.starts_with('"')) return std::nullopt;
+    std::optional<std::string> name = readQuoted(line, pos);
+    if (!name || !trim(line.substr(pos)).starts_with('=')) return std::nullopt;
+    return name;
+}
+
 void parseRegistryText(std::string_view fileBytes, RegistryTree& tree) {
-    const std::string text = decodeFile(fileBytes);
+    const std::string text = decodeRegistryFile(fileBytes);
     Parser parser(tree);
     std::size_t start = 0;
     for (std::size_t number = 1; start < text.size(); ++number) {

@@ -14,6 +14,7 @@
 #include "platform/CodePage.h"
 #include "platform/ComPtr.h"
 #include "platform/RecordLayout.h"
+#include "project/SmallStreams.h"
 #include "project/Workspace.h"
 #include "setup/SectionRecord.h"
 
@@ -49,19 +50,6 @@ std::u16string indexedName(const char* base, std::size_t i) { return widen(std::
 
 HRESULT openChild(IStorage* parent, const std::u16string& name, IStorage** child) {
     return parent->OpenStorage(name.c_str(), nullptr, kRead, nullptr, 0, child);
-}
-
-// The whole of a small stream, at most `limit` bytes.
-HRESULT readSmallStream(IStorage* storage, const std::u16string& name, std::size_t limit, std::string& text) {
-    ComPtr<IStream> stream;
-    HRESULT h = storage->OpenStream(name.c_str(), nullptr, kRead, 0, stream.out());
-    if (FAILED(h)) return h;
-    text.assign(limit, '\0');
-    ULONG read = 0;
-    h = stream->Read(text.data(), static_cast<ULONG>(limit), &read);
-    if (FAILED(h)) return h;
-    text.resize(read);
-    return S_OK;
 }
 
 HRESULT streamsOf(IStorage* storage, std::vector<STATSTG>& streams, bool stopAtStorage) {
@@ -289,12 +277,6 @@ HRESULT createChild(IStorage* parent, const std::u16string& name, IStorage** chi
     return parent->CreateStorage(name.c_str(), kCreate, 0, 0, child);
 }
 
-HRESULT writeStream(IStorage* storage, const std::u16string& name, const void* bytes, std::size_t size) {
-    ComPtr<IStream> stream;
-    HRESULT h = storage->CreateStream(name.c_str(), kCreate, 0, 0, stream.out());
-    return FAILED(h) ? h : section::writeAll(stream.get(), static_cast<const std::uint8_t*>(bytes), size);
-}
-
 HRESULT saveToStream(IStorage* storage, const std::u16string& name, IDispatch* object) {
     ComPtr<IPersistStream> persist;
     ComPtr<IStream> stream;
@@ -370,10 +352,10 @@ HRESULT writeWkdHead(IStorage* root, std::string name, std::int16_t defaultFlag,
     ComPtr<IStorage> version, storage;
     HRESULT h = createChild(root, u"Version", version.out());
     if (SUCCEEDED(h)) h = root->SetClass(CLSID_CWorkspace);
-    if (SUCCEEDED(h)) h = writeStream(version.get(), u"Version", kVersionTag, std::char_traits<char>::length(kVersionTag) + 1);
+    if (SUCCEEDED(h)) h = writeSmallStream(version.get(), u"Version", kVersionTag, std::char_traits<char>::length(kVersionTag) + 1);
     if (SUCCEEDED(h)) h = createChild(root, u"Workspace", storage.out());
-    if (SUCCEEDED(h)) h = writeStream(storage.get(), u"WorkspaceStream", record, kWorkspaceRecordSize);
-    if (SUCCEEDED(h)) h = writeStream(storage.get(), u"WorkspaceName", name.c_str(), name.size() + 1);
+    if (SUCCEEDED(h)) h = writeSmallStream(storage.get(), u"WorkspaceStream", record, kWorkspaceRecordSize);
+    if (SUCCEEDED(h)) h = writeSmallStream(storage.get(), u"WorkspaceName", name.c_str(), name.size() + 1);
     if (SUCCEEDED(h)) *workspaceStorage = storage.release();
     return h;
 }

@@ -72,6 +72,8 @@ public:
 
     // The setup count of the header stream's name.
     LONG setupCount() const { return m_setupCount; }
+    // The setup's number in the collection it is saved with: it names the header stream.
+    void setSetupCount(LONG count) { m_setupCount = count; }
 
     SetupFields m_fields;
 

@@ -55,7 +55,9 @@ inline void expectNullOutputsRefused(IDispatch* object) {
     const auto* d = static_cast<InterfaceDescription*>(info);
     for (const MemberEntry& m : d->members()) {
         if (m.hasOutputs) {
-            EXPECT_EQ(d->invokeWithNullOutputs(object, m), E_POINTER) << d->name() << "::" << m.name;
+            // A member that is not implemented answers so before it looks at anything.
+            const HRESULT h = d->invokeWithNullOutputs(object, m);
+            EXPECT_TRUE(h == E_POINTER || h == E_NOTIMPL) << d->name() << "::" << m.name << " answered " << std::hex << h;
         }
     }
     info->Release();
