@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <mutex>
 #include <set>
-#include <utility>
+#include <tuple>
 
 namespace nvdl {
 
@@ -33,15 +33,16 @@ int setLock(int fd, int command, struct flock& range) {
     return result;
 }
 
-// The files that locks of this process hold, by device and inode. A lock of this process on a file
-// that another lock of this process holds would wait for itself: it is tried without waiting.
+// The files that locks of this process hold, by device and inode, with the process: a child made
+// by fork holds none of its parent's. A lock of this process on a file that another lock of this
+// process holds would wait for itself: it is tried without waiting.
 std::mutex g_heldMutex;
-std::multiset<std::pair<dev_t, ino_t>> g_held;
+std::multiset<std::tuple<pid_t, dev_t, ino_t>> g_held;
 
-std::pair<dev_t, ino_t> identityOf(int fd) {
+std::tuple<pid_t, dev_t, ino_t> identityOf(int fd) {
     struct stat st{};
     ::fstat(fd, &st);
-    return {st.st_dev, st.st_ino};
+    return {::getpid(), st.st_dev, st.st_ino};
 }
 
 }  // namespace
