@@ -191,34 +191,18 @@ HRESULT CMeasurement::get_Parent(IDispatch** v) {
     return S_OK;
 }
 
-namespace {
-
-// A master parent: its workspace's project says it is the master.
-bool IsMasterProjectParent(IDispatch* parent) {
-    DISPID id;
-    Variant workspace;
-    if (SUCCEEDED(latebound::memberId(parent, u"MeasShmLink", &id))) workspace = Variant::fromDispatch(parent);
-    else if (FAILED(latebound::get(parent, u"Parent", &workspace)) || workspace.vt != VT_DISPATCH) return false;
-    if (!workspace.pdispVal) return false;
-    Variant project, master;
-    if (FAILED(latebound::get(workspace.pdispVal, u"Parent", &project)) || project.vt != VT_DISPATCH || !project.pdispVal)
-        return false;
-    if (FAILED(latebound::get(project.pdispVal, u"Master", &master)) || FAILED(master.changeType(VT_BOOL))) return false;
-    return master.boolVal != 0;
-}
-
-}  // namespace
-
 HRESULT CMeasurement::put_Parent(IDispatch* v) {
     IDispatch* old = m_parent.get();
     if (!v || !old || !IsMasterProjectParent(old)) m_parent.set(v);
     IDispatch* parent = m_parent.get();
+    // Below a master project the workspace's link text is kept, and published in a record of its own.
     if (parent && m_linkName.empty() && IsMasterProjectParent(parent)) {
-        Variant link;
-        if ((SUCCEEDED(latebound::get(parent, u"MeasShmLink", &link)) ||
-             SUCCEEDED(latebound::get(parent, u"ShmLink", &link))) &&
-            SUCCEEDED(link.changeType(VT_BSTR)))
-            m_linkName = bstrToAnsi(link.bstrVal).substr(0, 149);
+        m_linkName = linkOfParent(parent).substr(0, kShmRecordSize - 1);
+        if (!m_linkName.empty() && InitShmInfo()) {
+            char record[kShmRecordSize] = {};
+            m_linkName.copy(record, sizeof record - 1);
+            m_shm.Write(record, sizeof record);
+        }
     }
     // Sub-measurements follow: the first failure stops the walk.
     Variant self = Variant::fromDispatch(dispatch());

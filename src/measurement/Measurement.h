@@ -16,6 +16,7 @@
 #include "measurement/SampleVector.h"
 #include "measurement/SignalRange.h"
 #include "nvdl/IMeasurement.h"
+#include "platform/SharedMemory.h"
 
 namespace nvdl {
 
@@ -111,6 +112,12 @@ private:
     HRESULT setDimensionByIndex(IDispatch*& slot, LONG index);
     HRESULT dimensionName(IDispatch* dimension, BSTR* name) const;
     bool userUnitScale(IDispatch* dimension, const std::string& storageUnit, double& scale, double& offset) const;
+    // The shared link (MeasurementLocation.cpp). A master parent: its workspace's project is a master.
+    static bool IsMasterProjectParent(IDispatch* parent);
+    // The link text a parent hands on: its MeasShmLink, else its ShmLink.
+    static std::string linkOfParent(IDispatch* parent);
+    // A record of this measurement's own, named by a new MeasShmLink, unless it has one.
+    bool InitShmInfo();
 
     friend class CMeasurementBlockWriter;  // a template record's paging block
     friend struct MeasurementStreamFormat;  // the stored record: paging and location fields
@@ -178,6 +185,7 @@ private:
     GUID m_clsidLoader{};
     std::string m_channelFileID;
     std::string m_measShmLink;
+    CShmBlock m_shm;  // the record named by m_measShmLink, holding the workspace's link text
     MeasurementPersistHelpers m_persistHelpers{*this};
     MeasurementDataStream m_dataStream;
     CMeasurementLog m_log;

@@ -1,7 +1,9 @@
 // CMeasurement: where the samples live (the backing stream), the overview picture, and the names
 // of the workspace and shared link that a measurement carries.
+#include "frame/LateBound.h"
 #include "frame/TextChecks.h"
 #include "measurement/Measurement.h"
+#include "project/Workspace.h"
 
 namespace nvdl {
 
@@ -56,16 +58,58 @@ HRESULT CMeasurement::Optimize() {
     return S_OK;
 }
 
-// Without a shared link the name stands as last stored.
+// The parent is a measurement (it knows MeasShmLink) whose own parent is the workspace, or the
+// workspace itself; the workspace's parent is the project, and its Master is -1 for a master.
+bool CMeasurement::IsMasterProjectParent(IDispatch* parent) {
+    DISPID id;
+    Variant workspace = Variant::fromDispatch(parent);
+    if (SUCCEEDED(latebound::memberId(parent, u"MeasShmLink", &id)) &&
+        (FAILED(latebound::get(parent, u"Parent", &workspace)) || workspace.vt != VT_DISPATCH))
+        return false;
+    Variant project, master;
+    if (!workspace.pdispVal || FAILED(latebound::get(workspace.pdispVal, u"Parent", &project)) ||
+        project.vt != VT_DISPATCH || !project.pdispVal)
+        return false;
+    return SUCCEEDED(latebound::get(project.pdispVal, u"Master", &master)) && SUCCEEDED(master.changeType(VT_I4)) &&
+           master.lVal == -1;
+}
+
+std::string CMeasurement::linkOfParent(IDispatch* parent) {
+    Variant link;
+    if ((SUCCEEDED(latebound::get(parent, u"MeasShmLink", &link)) || SUCCEEDED(latebound::get(parent, u"ShmLink", &link))) &&
+        SUCCEEDED(link.changeType(VT_BSTR)))
+        return bstrToAnsi(link.bstrVal);
+    return {};
+}
+
+bool CMeasurement::InitShmInfo() {
+    if (!m_measShmLink.empty() && m_shm.IsOpen()) return true;
+    m_measShmLink.clear();
+    GUID id;
+    if (!CWorkspace::GenerateNewUID(id)) return false;
+    const std::string link = CWorkspace::GetFormattedGuid(id, kShmRecordSize);
+    if (!m_shm.Create(shmRecordName(link), kShmRecordSize)) return false;
+    m_measShmLink = link;
+    return true;
+}
+
+// The workspace's current name from its shared record; without a record that holds one, the name
+// stands as last stored.
 HRESULT CMeasurement::get_Workspace(BSTR* v) {
     if (!v) return E_POINTER;
-    *v = allocBstrFromAnsi(trimmed(m_workspaceName));
+    std::string link = m_linkName;
+    IDispatch* parent = m_parent.get();
+    if (link.empty() && parent && IsMasterProjectParent(parent)) link = linkOfParent(parent);
+    std::string name = trimmed(readShmRecord(link));
+    if (name.empty()) name = trimmed(m_workspaceName);
+    *v = allocBstrFromAnsi(name);
     return S_OK;
 }
 
+// The text of the record that MeasShmLink names: the link text of the workspace.
 HRESULT CMeasurement::get_MeasShmLink(BSTR* v) {
     if (!v) return E_POINTER;
-    *v = allocBstrFromAnsi(trimmed(m_measShmLink));
+    *v = allocBstrFromAnsi(trimmed(readShmRecord(m_measShmLink)));
     return S_OK;
 }
 

@@ -43,9 +43,11 @@ CWorkspace::CWorkspace(std::string name) : CObjectFrame(IID_IWorkspace), m_name(
     m_modified = 1;
     m_fields.OriginTime = nowText();
     ownCollections();
+    InitShmInfo();
 }
 
 CWorkspace::~CWorkspace() {
+    CloseShmInfo();
     for (CObjectCollection* c : {&m_dataBlocks, &m_setups, &m_geometries, &m_modes, &m_measurements}) c->SetOwner(nullptr);
 }
 
@@ -73,9 +75,13 @@ HRESULT CWorkspace::queryCompanion(REFIID riid, void** ppv) {
 HRESULT CWorkspace::get_Name(BSTR* name) { return field::give(m_name, name); }
 
 // The name becomes a file name: characters that a file name cannot hold become blanks, and the
-// ends are trimmed. The workspace is marked modified without telling its project.
+// ends are trimmed, and the shared record publishes it. The workspace is marked modified without
+// telling its project.
 HRESULT CWorkspace::put_Name(BSTR name) {
     m_name = trimmed(SanitizeFileName(bstrToAnsi(name)));
+    char record[kShmRecordSize] = {};
+    m_name.copy(record, sizeof record - 1);
+    WriteShmInfo(record, sizeof record);
     m_modified = 1;
     return S_OK;
 }

@@ -11,6 +11,7 @@
 #include "frame/PersistCompanion.h"
 #include "nvdl/IWorkspace.h"
 #include "nvdl/Persist.h"
+#include "platform/SharedMemory.h"
 
 namespace nvdl {
 
@@ -21,7 +22,7 @@ struct WorkspaceFields {
     std::string OriginFile;
     std::string OriginTime;  // a date as text, as ctime writes it
     std::int16_t Default = 0;
-    std::string ShmLink;     // the name of the shared record that publishes the workspace
+    std::string ShmLink;     // the link text of the shared record that publishes the name
 };
 
 // The workspace in a storage: the workspace file's tree, read and written in place.
@@ -77,6 +78,21 @@ public:
     void setModifiedHere(SHORT modified) { m_modified = modified; }
     void setSourceName(std::string name) { m_sourceName = std::move(name); }
 
+    // The shared record that publishes the workspace's name to other processes (WorkspaceShm.cpp).
+    // Closes an open block, then creates the named one.
+    bool CreateShmInfo(std::string_view name, std::size_t size);
+    bool CloseShmInfo();
+    // Writes the record, once: a later write is skipped unless the parent project is a master.
+    bool WriteShmInfo(const void* data, std::size_t length);
+    // A new link text and a zeroed record, unless the workspace already has both.
+    bool InitShmInfo();
+    // Whether `parent` says by its Master property that it is a master project (-1).
+    static bool IsMasterProjectParent(IDispatch* parent);
+    // A new random identifier; false only for the null one.
+    static bool GenerateNewUID(GUID& id);
+    // The identifier as link text, cut to size - 1 characters.
+    static std::string GetFormattedGuid(const GUID& id, std::size_t size);
+
     WorkspaceFields m_fields;
 
 private:
@@ -88,6 +104,7 @@ private:
     std::string m_name;
     std::string m_sourceName;
     SHORT m_loadUnits = 1;
+    CShmBlock m_shm;
     CWorkspacePersistStorage m_persistStorage{*this};
     CWorkspacePersistFile m_persistFile{*this};
     CObjectCollection m_measurements{IID_IMeasurements};
