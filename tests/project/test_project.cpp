@@ -161,6 +161,14 @@ TEST(ProjectFile, SetupsOfWorkspacesMoveIntoTheProjectAndAreRenamed) {
     }
 }
 
+// The tree of components that a layout hands out, as a storage.
+ComPtr<IStorage> storageIn(const Variant& components) {
+    ComPtr<IStorage> storage;
+    EXPECT_TRUE(components.vt == VT_UNKNOWN && components.punkVal);
+    if (components.punkVal) components.punkVal->QueryInterface(IID_IStorage, storage.outVoid());
+    return storage;
+}
+
 // A project of several workspaces with measurements, geometries and modes, setups and documents.
 ComPtr<IProject> fullProject() {
     ComPtr<IProject> p = newProject();
@@ -184,6 +192,19 @@ ComPtr<IProject> fullProject() {
         putValues(setup.get(), {{"Name", name}});
         addItem(collectionNamed(p.get(), u"Setups").get(), setup.get());
     }
+    // One layout with a tree of components that the client filled, one without.
+    for (const char* name : {"Overview", "Empty"}) {
+        ComPtr<IDispatch> layout = newObject(u"nv_bench.Layout");
+        putValues(layout.get(), {{"Name", name}});
+        if (name == std::string("Overview")) {
+            Variant components;
+            EXPECT_EQ(latebound::get(layout.get(), u"Components", &components), S_OK);
+            auto storage = storageIn(components);
+            putStream(storage.get(), u"Window", textBytes("x=10 y=20"));
+            putStream(childStorage(storage.get(), u"Panes").get(), u"Pane 1", {1, 2, 3, 4});
+        }
+        addItem(collectionNamed(p.get(), u"Layouts").get(), layout.get());
+    }
     ComPtr<IDispatch> document = newObject(u"nv_bench.parameter");
     putValues(document.get(), {{"Name", "Report"}, {"Value", "/data/report.pdf"}});
     addItem(collectionNamed(p.get(), u"AssociatedDocuments").get(), document.get());
@@ -206,6 +227,15 @@ void expectFullProject(IProject* p) {
         EXPECT_EQ(getText(itemAt(collectionNamed(ws.get(), u"Modes").get(), 0).get(), u"Frequency"), std::to_string(10 + w));
     }
     EXPECT_EQ(namesOf(collectionNamed(p, u"Setups").get()), (std::vector<std::string>{"Hammer", "Shaker"}));
+    ComPtr<ICollection> layouts = collectionNamed(p, u"Layouts");
+    EXPECT_EQ(namesOf(layouts.get()), (std::vector<std::string>{"Overview", "Empty"}));
+    if (countOf(layouts.get()) == 2) {
+        Variant components;
+        ASSERT_EQ(latebound::get(itemAt(layouts.get(), 0).get(), u"Components", &components), S_OK);
+        const TreeContents tree = contentsOf(storageIn(components).get());
+        EXPECT_EQ(std::get<2>(tree.at("Window")), textBytes("x=10 y=20"));
+        EXPECT_EQ(std::get<2>(tree.at("Panes/Pane 1")), (std::vector<std::uint8_t>{1, 2, 3, 4}));
+    }
     ComPtr<ICollection> documents = collectionNamed(p, u"AssociatedDocuments");
     ASSERT_EQ(countOf(documents.get()), 1);
     expectProperties(itemAt(documents.get(), 0).get(), {{"Name", "Report"}, {"Value", "/data/report.pdf"}});
@@ -222,8 +252,10 @@ TEST(ProjectFile, AFullProjectSavesAndLoadsBackEqual) {
     const std::vector<std::string> tree = treeOf(file);
     for (const char* path : {"Version/Version", "Documents/Document(1)", "Data/File 1/Workspace/Blocks/Meas<0>",
                              "Data/File 3/Workspace/Blocks/Meas<2>", "Data/File 2/OriginFile", "Data/File 2/OriginTime",
-                             "Setups/Setup 1/Setup(1)", "Setups/Setup 2/Setup(2)"})
+                             "Setups/Setup 1/Setup(1)", "Setups/Setup 2/Setup(2)", "Layouts/Layout 1/Layout",
+                             "Layouts/Layout 1/Components/Panes/Pane 1", "Layouts/Layout 2/Layout"})
         EXPECT_EQ(std::count(tree.begin(), tree.end(), path), 1) << path;
+    EXPECT_EQ(std::count(tree.begin(), tree.end(), "Layouts/Layout 2/Components"), 0);
 
     ComPtr<IProject> loaded = newProject();
     ASSERT_EQ(loadProject(loaded.get(), file), S_OK);

@@ -102,3 +102,21 @@ TEST(WorkspaceShm, MeasurementsReadTheWorkspaceNameThroughTheLink) {
 
 }  // namespace
 }  // namespace nvdl::test
+
+namespace nvdl::test {
+namespace {
+
+// A second process that knows the link reads each new name of a workspace of a master project.
+TEST(WorkspaceShm, ASecondProcessFollowsRenamesInAMasterProject) {
+    ComPtr<IDispatch> project = newObject(u"nv_bench.Project");
+    putValues(project.get(), {{"Master", "-1"}});
+    ComPtr<IDispatch> workspace = newObject(u"nv_bench.workspace");
+    addItem(collectionNamed(project.get(), u"Workspaces").get(), workspace.get());
+    for (const char* name : {"Left rig", "Right rig"}) {
+        rename(workspace.get(), name);
+        EXPECT_EQ(readInChild(linkOf(workspace.get())), name);
+    }
+}
+
+}  // namespace
+}  // namespace nvdl::test
