@@ -15,7 +15,7 @@ struct Entry {
 const Entry kCommands[] = {
     {"demo", nvdl::tool::demo, "demo            create objects by ProgID and drive them late-bound"},
     {"tree", nvdl::tool::tree, "tree FILE       print the storage tree of a compound file"},
-    {"ls", nvdl::tool::ls, "ls FILE         list the workspace, measurements, geometries, modes and setups of a file"},
+    {"ls", nvdl::tool::ls, "ls FILE         list what a workspace or project file holds: workspaces, measurements, geometries, modes, setups, layouts, documents"},
 };
 
 int usage() {
