@@ -11,8 +11,7 @@
 #include <vector>
 
 #include "PagingBenchSetup.h"
-#include "measurement/Measurement.h"
-#include "measurement/MeasurementBlockWriter.h"
+#include "WorkspaceBenchFile.h"
 #include "platform/ComPtr.h"
 #include "project/WkdStorage.h"
 #include "project/Workspace.h"
@@ -21,37 +20,18 @@ namespace {
 
 using namespace nvdl;
 
-constexpr int kMeasurements = 10;
-constexpr LONG kBlockSize = 250'000;  // samples per written block: 1 MB
-
 std::filesystem::path workDir() { return bench::pagingWorkDir("nvdl_bench_wkd"); }
 
+using bench::kMeasurements;
 using bench::residentKiB;
 
 // A workspace file of ten time records of `blocks` blocks each.
 std::filesystem::path workspaceFile(LONG blocks) {
     const auto file = workDir() / ("ws" + std::to_string(blocks) + ".wkd");
     if (std::filesystem::exists(file)) return file;
-    ComPtr<IStorage> root, workspace, storage;
+    ComPtr<IStorage> root;
     createCompoundFile(file, STGM_CREATE | STGM_READWRITE, root.out(), CompoundFileOptions{true});
-    writeWkdHead(root.get(), "bench", 0, workspace.out());
-    workspace->CreateStorage(u"Blocks", STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0, 0, storage.out());
-    std::vector<float> block(kBlockSize);
-    for (std::size_t i = 0; i < block.size(); ++i) block[i] = static_cast<float>(i % 997) * 0.01f;
-    for (int m = 0; m < kMeasurements; ++m) {
-        ComPtr<CMeasurement> source(CMeasurement::createMeasurement());
-        auto writer = ComPtr<IMeasurementBlockWriter>::query(static_cast<IMeasurement*>(source.get()));
-        Bstr name{std::string_view{"Meas<" + std::to_string(m) + ">"}}, unit{std::string_view{"s"}};
-        Bstr none{std::string_view{}};
-        writer->Create(storage.get(), name.get());
-        writer->BeginTimeRecord(blocks, kBlockSize, 1000.0, 0.0f, unit.get(), unit.get(), none.get(), none.get(), 0.0, 0.0,
-                                nullptr);
-        for (LONG b = 0; b < blocks; ++b) writer->WriteBlock(block.data(), kBlockSize, 0);
-        writer->Finish(nullptr);
-        writer->Close();
-    }
-    storage.reset();
-    workspace.reset();
+    bench::writeTimeRecordWorkspace(root.get(), blocks);
     root->Commit(STGC_DEFAULT);
     return file;
 }
