@@ -65,7 +65,7 @@ void setValueIn(std::vector<std::string>& lines, Hive hive, const std::string& k
         }
         if (!inKey) continue;
         if (auto existing = valueNameOfLine(lines[i]); existing && equalsIgnoringCase(*existing, name)) {
-            lines[i] = line;
+            lines[i] = valueLine(*existing, value);  // the name keeps its spelling
             replaced = true;
         }
         if (!blank(lines[i]) && insertAt == i) insertAt = i + 1;

@@ -266,3 +266,22 @@ TEST_F(RegistryTest, AChildProcessLeavesTheParentItsNoticesOfChange) {
     EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
     EXPECT_EQ(blockSize(), "20");
 }
+
+TEST_F(RegistryTest, WritingAValueKeepsTheRestOfTheFile) {
+    write("; kept\n[HKEY_CURRENT_USER\\Software\\A]\n\"One\"=\"1\"\n\n[HKLM\\Software\\A]\n\"One\"=\"machine\"\n");
+    ASSERT_TRUE(writeString(Hive::CurrentUser, "software\\a", "one", "uno"));         // replaced in place
+    ASSERT_TRUE(writeString(Hive::CurrentUser, "Software\\A", "Two", "C:\\x \"y\"")); // added to the section
+    ASSERT_TRUE(writeString(Hive::CurrentUser, "Software\\B", "", "default"));       // a new section
+    std::ifstream in(file_);
+    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_EQ(text,
+              "; kept\n[HKEY_CURRENT_USER\\Software\\A]\n\"One\"=\"uno\"\n\"Two\"=\"C:\\\\x \\\"y\\\"\"\n\n"
+              "[HKLM\\Software\\A]\n\"One\"=\"machine\"\n\n[HKEY_CURRENT_USER\\Software\\B]\n@=\"default\"\n");
+    EXPECT_EQ(readString(Hive::CurrentUser, "Software\\A", "Two"), "C:\\x \"y\"");
+    EXPECT_EQ(readString(Hive::LocalMachine, "Software\\A", "One"), "machine");
+    EXPECT_EQ(readString(Hive::CurrentUser, "Software\\B", ""), "default");
+
+    std::filesystem::remove(file_);  // no file yet: one is made
+    ASSERT_TRUE(writeString(Hive::CurrentUser, kSettingsKey, "ImportAllTRCFlag", "1"));
+    EXPECT_EQ(readSetting("ImportAllTRCFlag"), "1");
+}
