@@ -78,6 +78,12 @@ public:
     // The backing stream with one reference for the caller, or null; CloseDataStream releases the chain.
     IStream* GetDataStream();
     void CloseDataStream();
+    // A save wrote this record, in the newest generation, as `stream` of `file` (inside the data
+    // storage `subStorage` when `inDataStorage` is -1): a record paged from a file pages from there
+    // from now on, since the file it came from may just have been replaced. A record held whole in
+    // memory has no file to follow, and one of a recording keeps its recording: both stay as they are.
+    void followSave(const std::string& file, SHORT inDataStorage, const std::string& subStorage,
+                    const std::string& stream, LONG version);
     CMeasurementLog& log() { return m_log; }
 
     const SampleVector& yReal() const { return m_yReal; }

@@ -3,6 +3,7 @@
 #include "frame/LateBound.h"
 #include "frame/TextChecks.h"
 #include "measurement/Measurement.h"
+#include "measurement/MeasurementStreamFormat.h"
 #include "project/Workspace.h"
 
 namespace nvdl {
@@ -17,6 +18,20 @@ HRESULT CMeasurement::Location(BSTR file, SHORT inDataStorage, BSTR subStorage, 
     m_dataLoaded = 0;
     m_currentBlock = -1;
     return S_OK;
+}
+
+// The samples in memory are those just written: only where they lie changes.
+void CMeasurement::followSave(const std::string& file, SHORT inDataStorage, const std::string& subStorage,
+                              const std::string& stream, LONG version) {
+    if (m_locationFile.empty() || m_clsidLoader != GUID_NULL) return;  // a recording stays where it is
+    m_locationFile = file;
+    m_locationInDataStorage = inDataStorage;
+    m_locationSubStorage = subStorage;
+    m_locationStream = stream;
+    m_formatVersion = version;
+    m_dataOffset = static_cast<LONG>(MeasurementStreamFormat::kBlock1Size + MeasurementStreamFormat::kBlock2Size +
+                                     MeasurementStreamFormat::kBlock3Size);
+    CloseDataStream();
 }
 
 // Back to the overview picture taken by GenerateOptimizedArray; only long data has one.

@@ -67,10 +67,16 @@ HRESULT MeasurementStreamFormat::readGeneration8(CMeasurement& m, IStream* strea
         m.m_currentBlock = paging.currentBlock;
         m.m_blockStartOffset = paging.blockStartOffset;
         m.m_firstBlockRead = paging.firstBlockRead;
-        keepIfNotEmpty(m.m_locationSubStorage, paging.locationSubStorage);
-        keepIfNotEmpty(m.m_locationFile, paging.locationFile);
-        keepIfNotEmpty(m.m_locationStream, paging.locationStream);
-        m.m_locationInDataStorage = paging.locationInDataStorage;
+        // A stored file means the samples lie in another backing store, which the stored strings
+        // and flag name. Without one the samples lie in this stream, and the place the file's
+        // reader gave (a project file's data storage included) stays: stored names of an earlier
+        // place would page from a stream that is no longer there.
+        if (!paging.locationFile.empty()) {
+            keepIfNotEmpty(m.m_locationSubStorage, paging.locationSubStorage);
+            m.m_locationFile = paging.locationFile;
+            keepIfNotEmpty(m.m_locationStream, paging.locationStream);
+            m.m_locationInDataStorage = paging.locationInDataStorage;
+        }
         m.m_dataLoaded = paging.dataLoaded;
     }
     m.m_fileSamples = fileSamples;

@@ -101,6 +101,20 @@ ParameterText parameterText(CObjectCollection& parameters) {
     return text;
 }
 
+// Copies `bytes` bytes from `offset` of `source` to the end of `target`, a few megabytes at a time.
+HRESULT copyRun(IStream* source, std::int64_t offset, std::uint64_t bytes, IStream* target) {
+    if (FAILED(source->Seek(offset, STREAM_SEEK_SET, nullptr))) return STG_E_READFAULT;
+    std::vector<std::uint8_t> chunk(std::min<std::uint64_t>(bytes, 4u << 20));
+    while (bytes > 0) {
+        const ULONG want = static_cast<ULONG>(std::min<std::uint64_t>(bytes, chunk.size()));
+        ULONG got = 0;
+        if (FAILED(source->Read(chunk.data(), want, &got)) || got != want) return STG_E_READFAULT;
+        if (HRESULT h = writeAll(target, chunk.data(), want); FAILED(h)) return h;
+        bytes -= want;
+    }
+    return S_OK;
+}
+
 }  // namespace
 
 MeasurementPagingRecord MeasurementStreamFormat::pagingRecord(const CMeasurement& m) {
@@ -124,7 +138,13 @@ HRESULT MeasurementStreamFormat::write(CMeasurement& m, IStream* stream) {
     if (!stream) return E_POINTER;
     using C = CMeasurement;
     const ParameterText parameters = parameterText(m.m_parameters);
-    const LONG size = valueOf<LONG>(m, &C::get_Size);
+    // A record paged from a stream of a workspace or project file holds one block, or an overview,
+    // in memory. Writing that block, with the record still pointing at its old stream, would lose
+    // the rest once a save replaces the file it came from; so the whole record is written: its
+    // samples are copied from its stream and the new stream holds a complete record. Records of a
+    // recording (a loader's class) keep pointing at the recording, which no save replaces.
+    const bool pagedFromStream = m.m_isUncompleted && m.m_clsidLoader == GUID_NULL && !m.m_locationFile.empty();
+    const LONG size = pagedFromStream ? m.m_fileSamples : valueOf<LONG>(m, &C::get_Size);
     const bool complex = valueOf<SHORT>(m, &C::get_Complex) != 0;
 
     MeasurementHeaderRecord r;
@@ -174,8 +194,15 @@ HRESULT MeasurementStreamFormat::write(CMeasurement& m, IStream* stream) {
 
     MeasurementPagingRecord p = pagingRecord(m);
     p.tag = kWritten;
+    if (pagedFromStream) {
+        p.isUncompleted = 0;
+        p.compressionFactor = 1.0f;
+        p.isUsefullData = 1;
+        p.currentBlock = -1;
+        p.blockStartOffset = 0;
+    }
     // The file of a complete record is not kept: its data are all in this stream.
-    if (!m.m_isUncompleted) p.locationFile.clear();
+    if (!p.isUncompleted) p.locationFile.clear();
     p.fileSamples = valueOf<LONG>(m, &C::get_FileSamples);
     std::uint8_t b2[kBlock2Size] = {};
     record::encode(pagingFields(), 0, p, b2);
@@ -193,7 +220,15 @@ HRESULT MeasurementStreamFormat::write(CMeasurement& m, IStream* stream) {
     if (FAILED(h = writeBlock(stream, b3, sizeof b3))) return h;
 
     std::vector<std::uint8_t> run;
-    if (size > 0) {
+    if (pagedFromStream && size > 0) {
+        IStream* source = m.GetDataStream();
+        if (!source) return STG_E_READFAULT;
+        const std::uint64_t vectors = 1 + (complex ? 1 : 0) + (axisHasXVector(axis) ? 1 : 0);
+        h = copyRun(source, m.m_dataOffset, static_cast<std::uint64_t>(size) * sizeof(float) * vectors, stream);
+        source->Release();
+        m.CloseDataStream();
+        if (FAILED(h)) return h;
+    } else if (size > 0) {
         const std::size_t n = static_cast<std::size_t>(size);
         std::vector<float> re(n), im(complex ? n : 0);
         m.GetYValues(0, size, re.data(), complex ? im.data() : nullptr);

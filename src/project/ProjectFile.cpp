@@ -12,6 +12,7 @@
 #include "platform/ReplaceFile.h"
 #include "project/Project.h"
 #include "project/ProjectFile.h"
+#include "project/WkdStorage.h"
 #include "project/Workspace.h"
 
 namespace nvdl {
@@ -73,6 +74,10 @@ HRESULT CProject::SaveProject(const std::string& file) {
         if (!message.empty()) RaiseExecption(message, file);
         return h;
     }
+    // The old file is gone: measurements that paged from it page from the new one.
+    for (std::size_t n = 0; n < m_workspaces.size(); ++n)
+        if (auto* workspace = dynamic_cast<CWorkspace*>(CFrameBase::of(m_workspaces.itemAt(n))))
+            followSavedWorkspace(*workspace, WkdPlace{file, "File " + std::to_string(n + 1)});
     LockUnLockFile(file);
     return S_OK;
 }

@@ -385,3 +385,30 @@ HRESULT saveWkd(IStorage* root, CWorkspace& workspace, std::string& message) {
 }
 
 }  // namespace nvdl
+
+namespace nvdl {
+
+// Measurement i as Meas<i> in Blocks, its sub-measurement j as SubMeas<j> in SubBlocks/Meas<i>: the
+// names the save gave them, which paging finds by the parent's name followed by the child's.
+void followSavedWorkspace(CWorkspace& workspace, const WkdPlace& place) {
+    const SHORT inDataStorage = place.nestedPath.empty() ? 0 : -1;
+    CObjectCollection& measurements = workspace.measurements();
+    for (std::size_t i = 0; i < measurements.size(); ++i) {
+        auto* m = dynamic_cast<CMeasurement*>(CFrameBase::of(measurements.itemAt(i)));
+        if (!m) continue;
+        const std::string name = narrow(indexedName("Meas", i));
+        m->followSave(place.file, inDataStorage, place.nestedPath, name, kWkdVersion);
+        ComPtr<ICollection> subs;
+        LONG count = 0;
+        if (FAILED(m->get_Measurements(subs.out())) || !subs || FAILED(subs->get_Count(&count))) continue;
+        for (LONG j = 0; j < count; ++j) {
+            ComPtr<IDispatch> item;
+            if (FAILED(subs->Item(Variant::fromLong(j), item.out()))) continue;
+            if (auto* sub = dynamic_cast<CMeasurement*>(CFrameBase::of(item.get())))
+                sub->followSave(place.file, inDataStorage, place.nestedPath,
+                                name + narrow(indexedName("SubMeas", static_cast<std::size_t>(j))), kWkdVersion);
+        }
+    }
+}
+
+}  // namespace nvdl

@@ -41,6 +41,10 @@ HRESULT writeWkdHead(IStorage* root, std::string name, std::int16_t defaultFlag,
 // Writes the workspace into `root` and commits it.
 HRESULT saveWkd(IStorage* root, CWorkspace& workspace, std::string& message);
 
+// After the workspace was saved by saveWkd at `place`: its measurements that page from a file page
+// from the new one, at the streams the save gave them.
+void followSavedWorkspace(CWorkspace& workspace, const WkdPlace& place);
+
 // The number of a version tag of the file, or 0 for an unknown or empty tag.
 long wkdVersionNumber(const std::string& tag);
 

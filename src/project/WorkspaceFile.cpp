@@ -14,6 +14,7 @@
 #include "platform/ReplaceFile.h"
 #include "project/FileNames.h"
 #include "project/LoaderRegistry.h"
+#include "project/WkdStorage.h"
 #include "project/Workspace.h"
 
 namespace nvdl {
@@ -121,6 +122,8 @@ HRESULT CWorkspace::Save(BSTR fileName, VARIANT loaderName) {
         RaiseException(failureMessage(kExportFailed), file);
         return h;
     }
+    // A workspace file replaced the one its measurements may have paged from: they follow it.
+    if (loaderClass == CLSID_CWkdLoader) followSavedWorkspace(*this, WkdPlace{file, {}});
     const Bstr base(std::string_view{baseNameOf(file)});
     put_OriginFile(base.get());
     put_Name(base.get());

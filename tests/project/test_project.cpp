@@ -7,6 +7,8 @@
 #include "../measurement/PersistenceTestSupport.h"
 #include "../platform/TempDir.h"
 #include "ProjectTestSupport.h"
+#include "SettingsFileTest.h"
+#include "platform/Registry.h"
 #include "project/ProjectFile.h"
 #include "project/WkdStorage.h"
 #include "project/Workspace.h"
@@ -272,6 +274,48 @@ TEST(ProjectFile, AFullProjectSavesAndLoadsBackEqual) {
     ComPtr<IProject> copy = newProject();
     ASSERT_EQ(again->Copy(copy.get()), S_OK);
     expectFullProject(copy.get());
+}
+
+// A loaded project saved over its own file: records paged from the old file are written whole and
+// page from the new one, where a removed record before them moved them to other streams.
+class PagedProject : public SettingsFileTest {};
+
+TEST_F(PagedProject, PagedRecordsAreSavedWholeAndFollowASaveOverTheirOwnFile) {
+    writeSettings({{std::string("HKEY_CURRENT_USER\\") + registry::kSettingsKey,
+                    {{"MaxBlockSize", "32768"}, {"LongFileFeature", "1"}}}});
+    TempDir dir;
+    const auto file = dir.path() / "paged.vpj";
+    constexpr LONG kSamples = 100000;  // longer than a block: paged from the file
+    {
+        ComPtr<IProject> p = newProject();
+        ComPtr<IWorkspace> ws = newWorkspace();
+        for (float level : {1.0f, 2.0f})
+            addItem(collectionNamed(ws.get(), u"Measurements").get(), measurementOf("m", std::vector<float>(kSamples, level)).get());
+        addItem(collectionNamed(p.get(), u"Workspaces").get(), ws.get());
+        ASSERT_EQ(saveProject(p.get(), file), S_OK);
+    }
+    ComPtr<IProject> p = newProject();
+    ASSERT_EQ(loadProject(p.get(), file), S_OK);
+    ComPtr<ICollection> ms = collectionNamed(itemAt(collectionNamed(p.get(), u"Workspaces").get(), 0).get(), u"Measurements");
+    ASSERT_EQ(ms->Remove(Variant::fromLong(0)), S_OK);
+    ASSERT_EQ(saveProject(p.get(), file), S_OK);
+    auto m = ComPtr<IMeasurement>::query(itemAt(ms.get(), 0).get());
+    EXPECT_EQ(getText(m.get(), u"IsUncompleted"), "-1");
+    for (LONG at : {kSamples - 100, LONG(0), kSamples / 2}) {
+        ASSERT_EQ(m->ReadData(at, 100), S_OK) << at;
+        const std::vector<float> block = floats(m.get(), &IMeasurement::get_YRealArray);
+        ASSERT_FALSE(block.empty());
+        EXPECT_EQ(block, std::vector<float>(block.size(), 2.0f)) << at;
+    }
+    // The file holds the whole record: a project read from it anew has every sample.
+    ComPtr<IProject> fresh = newProject();
+    p->Close();
+    ASSERT_EQ(loadProject(fresh.get(), file), S_OK);
+    auto back = ComPtr<IMeasurement>::query(
+        itemAt(collectionNamed(itemAt(collectionNamed(fresh.get(), u"Workspaces").get(), 0).get(), u"Measurements").get(), 0).get());
+    EXPECT_EQ(getText(back.get(), u"FileSamples"), std::to_string(kSamples));
+    ASSERT_EQ(back->ReadData(kSamples - 100, 100), S_OK);
+    EXPECT_EQ(floats(back.get(), &IMeasurement::get_YRealArray), std::vector<float>(32768, 2.0f));
 }
 
 TEST(ProjectFile, AnEmptyProjectHoldsOnlyItsVersion) {
