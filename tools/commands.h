@@ -9,5 +9,7 @@ using Command = int (*)(int argc, char** argv);
 int demo(int argc, char** argv);
 int tree(int argc, char** argv);
 int ls(int argc, char** argv);
+int registerServer(int argc, char** argv);
+int unregisterServer(int argc, char** argv);
 
 }  // namespace nvdl::tool

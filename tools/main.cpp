@@ -16,19 +16,22 @@ const Entry kCommands[] = {
     {"demo", nvdl::tool::demo, "demo            create objects by ProgID and drive them late-bound"},
     {"tree", nvdl::tool::tree, "tree FILE       print the storage tree of a compound file"},
     {"ls", nvdl::tool::ls, "ls FILE         list what a workspace or project file holds: workspaces, measurements, geometries, modes, setups, layouts, documents"},
+    {"register", nvdl::tool::registerServer, "register [LIB]  write the classes, interfaces and project file type of LIB (libnvdl.so beside nvdl) to the settings store ($NVDL_REGISTRY)"},
+    {"unregister", nvdl::tool::unregisterServer, "unregister [LIB] remove what register wrote from the settings store"},
 };
 
-int usage() {
-    std::fprintf(stderr, "usage: nvdl COMMAND [ARGS...]\n");
-    for (const Entry& e : kCommands) std::fprintf(stderr, "  nvdl %s\n", e.usage);
-    return 2;
+int usage(std::FILE* out, int status) {
+    std::fprintf(out, "usage: nvdl COMMAND [ARGS...]\n");
+    for (const Entry& e : kCommands) std::fprintf(out, "  nvdl %s\n", e.usage);
+    return status;
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc < 2) return usage();
+    if (argc < 2) return usage(stderr, 2);
+    if (std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0) return usage(stdout, 0);
     for (const Entry& e : kCommands)
         if (std::strcmp(argv[1], e.name) == 0) return e.run(argc - 2, argv + 2);
-    return usage();
+    return usage(stderr, 2);
 }

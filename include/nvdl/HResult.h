@@ -44,6 +44,8 @@ constexpr HRESULT TYPE_E_ELEMENTNOTFOUND = hr(0x8002802B);
 constexpr HRESULT CLASS_E_NOAGGREGATION = hr(0x80040110);
 constexpr HRESULT CLASS_E_CLASSNOTAVAILABLE = hr(0x80040111);
 constexpr HRESULT REGDB_E_CLASSNOTREG = hr(0x80040154);
+// Registration could not write the classes to the settings store.
+constexpr HRESULT SELFREG_E_CLASS = hr(0x80040201);
 constexpr HRESULT CO_E_CLASSSTRING = hr(0x800401F3);
 // No class could be found for a file (its storage, signature and extension said nothing).
 constexpr HRESULT MK_E_INVALIDEXTENSION = hr(0x800401E6);

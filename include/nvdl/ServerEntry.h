@@ -22,6 +22,12 @@ extern "C" {
 HRESULT DllGetClassObject(REFCLSID clsid, REFIID riid, void** factory);
 // S_OK (0) when no object lives and no lock is held; S_FALSE (1) otherwise.
 HRESULT DllCanUnloadNow();
+// Writes the keys of every class, interface and the project file type under the classes root of the
+// settings store (removing those of an earlier registration first), naming this library's path.
+// SELFREG_E_CLASS when the store cannot be written.
+HRESULT DllRegisterServer();
+// Removes those keys with their subkeys.
+HRESULT DllUnregisterServer();
 }
 
 NVDL_API_END

@@ -6,6 +6,7 @@
 #include "frame/ClassTable.h"
 #include "frame/ObjectCount.h"
 #include "platform/DebugTrace.h"
+#include "project/UnitClient.h"
 
 namespace {
 
@@ -46,17 +47,27 @@ private:
     ULONG m_cRef = 1;
 };
 
-// Factories by class, created on first use and kept until the module unloads.
-struct ModuleState {
-    ModuleState() { DebugTrace("NVDL.DLL connecting\n"); }
-    ~ModuleState() { DebugTrace("NVDL.DLL disconnecting\n"); }
-    std::map<const nvdl::ClassInfo*, std::unique_ptr<CClassFactory>> factories;
-};
+using Factories = std::map<const nvdl::ClassInfo*, std::unique_ptr<CClassFactory>>;
 
-ModuleState& module() {
-    static ModuleState state;
-    return state;
+// Factories by class, created on first use and kept until the module is let go of. The map itself
+// is never destroyed, so that a request from another static object's constructor or destructor
+// still finds it.
+Factories& factories() {
+    static Factories* map = new Factories;
+    return *map;
 }
+
+// Attach and detach of the module, with its loading and unloading. This platform has no process heap
+// to tune, no crash reporter to arm and no apartment to join, so attach only writes its trace line;
+// detach lets go of what the module keeps: the class factories and the unit service.
+struct ModuleLifetime {
+    ModuleLifetime() { DebugTrace("NVDL.DLL connecting\n"); }
+    ~ModuleLifetime() {
+        DebugTrace("NVDL.DLL disconnecting\n");
+        factories().clear();
+        nvdl::ReleaseUnitService();
+    }
+} g_module;
 
 }  // namespace
 
@@ -65,7 +76,7 @@ HRESULT DllGetClassObject(REFCLSID clsid, REFIID riid, void** factory) {
     *factory = nullptr;
     const nvdl::ClassInfo* info = nvdl::findClass(clsid);
     if (!info) return CLASS_E_CLASSNOTAVAILABLE;
-    auto& slot = module().factories[info];
+    auto& slot = factories()[info];
     if (!slot) slot = std::make_unique<CClassFactory>(*info);
     return slot->QueryInterface(riid, factory);
 }

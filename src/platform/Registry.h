@@ -37,10 +37,29 @@ std::optional<std::string> readSetting(std::string_view valueName);
 void readSettings(std::span<const std::string_view> valueNames, std::span<std::optional<std::string>> values);
 
 // Creates or replaces a string value in the settings file, which keeps the rest of its text
-// (comments, order, other keys) as it was; the key is added at the end when the file lacks it. The
-// file is replaced in one step, so that a reader never sees it half written. False when the file
-// cannot be written.
+// (comments, order, other keys, line ends) as it was; the key is added at the end, behind a blank
+// line, when the file lacks it. The file is replaced in one step, so that a reader never sees it half
+// written. False when the file cannot be written.
 bool writeString(Hive hive, std::string_view key, std::string_view valueName, std::string_view value);
+// Removes a value from every section of its key in the settings file; the key stays. True also when
+// the file has no such value.
+bool deleteValue(Hive hive, std::string_view key, std::string_view valueName);
+// Removes a key with all its subkeys and values from the settings file. A key that the file does not
+// have is no failure; an empty key (a whole hive) is refused. The built-in defaults stay.
+bool deleteKey(Hive hive, std::string_view key);
+
+// One change of the settings file.
+struct Change {
+    enum class Kind { SetString, DeleteValue, DeleteKey };
+    Kind kind;
+    Hive hive;
+    std::string key;
+    std::string valueName;  // SetString and DeleteValue
+    std::string value;      // SetString
+};
+// Makes the changes in their order with one replacement of the file, as the functions above each
+// make one; the file is not written when they leave it as it was. False when it cannot be written.
+bool applyChanges(std::span<const Change> changes);
 
 // The path of the file the store reads now; empty when no path can be made (no HOME either).
 std::string storePath();

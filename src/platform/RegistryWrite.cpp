@@ -1,111 +1,68 @@
-// Writing one value into the settings file by editing its text in place: the line of the value is
-// replaced, or a line is added to its key's section, or a section is added at the end.
+// Writing to the settings file: the changes are made to its lines (platform/RegistryEdit.h) and the
+// file is replaced in one step; a file that the changes leave as it was is not written at all.
 #include <fstream>
 #include <iterator>
-#include <sstream>
 #include <system_error>
 
 #include "platform/CodePage.h"
 #include "platform/Registry.h"
-#include "platform/RegistryText.h"
+#include "platform/RegistryEdit.h"
 #include "platform/ReplaceFile.h"
 
 namespace nvdl::registry {
 
 namespace {
 
-const char* hiveText(Hive hive) {
-    switch (hive) {
-        case Hive::ClassesRoot: return "HKEY_CLASSES_ROOT";
-        case Hive::LocalMachine: return "HKEY_LOCAL_MACHINE";
-        case Hive::CurrentUser: break;
-    }
-    return "HKEY_CURRENT_USER";
-}
-
-std::string quoted(std::string_view text) {
-    std::string out = "\"";
-    for (char c : text) {
-        if (c == '\\' || c == '"') out += '\\';
-        out += c;
-    }
-    return out + '"';
-}
-
-std::string valueLine(std::string_view name, std::string_view value) {
-    return (name.empty() ? std::string("@") : quoted(name)) + "=" + quoted(value);
-}
-
-std::vector<std::string> linesOf(const std::string& text) {
-    std::vector<std::string> lines;
-    std::istringstream in(text);
-    for (std::string line; std::getline(in, line);) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        lines.push_back(std::move(line));
-    }
-    return lines;
-}
-
-bool blank(const std::string& line) { return line.find_first_not_of(" \t") == std::string::npos; }
-
-// The lines with the value set: every line of the value in a section of the key is replaced; with
-// none, the line goes behind the last value of the key's first section, or into a new section.
-void setValueIn(std::vector<std::string>& lines, Hive hive, const std::string& key, std::string_view name,
-                std::string_view value) {
-    const std::string line = valueLine(name, value);
-    bool inKey = false, replaced = false;
-    std::size_t insertAt = lines.size();
-    bool sawKey = false;
-    for (std::size_t i = 0; i < lines.size(); ++i) {
-        if (auto section = sectionOfLine(lines[i])) {
-            inKey = section->first == hive && equalsIgnoringCase(section->second, key);
-            if (inKey && !sawKey) insertAt = i + 1;
-            sawKey = sawKey || inKey;
-            continue;
-        }
-        if (!inKey) continue;
-        if (auto existing = valueNameOfLine(lines[i]); existing && equalsIgnoringCase(*existing, name)) {
-            lines[i] = valueLine(*existing, value);  // the name keeps its spelling
-            replaced = true;
-        }
-        if (!blank(lines[i]) && insertAt == i) insertAt = i + 1;
-    }
-    if (replaced) return;
-    if (sawKey) {
-        lines.insert(lines.begin() + static_cast<std::ptrdiff_t>(insertAt), line);
-        return;
-    }
-    if (!lines.empty() && !blank(lines.back())) lines.emplace_back();
-    lines.push_back("[" + std::string(hiveText(hive)) + (key.empty() ? "" : "\\" + key) + "]");
-    lines.push_back(line);
-}
+// A settings file is a few kilobytes; anything this large is not one and is not rewritten.
+constexpr std::uintmax_t kMaxFileBytes = 16u * 1024 * 1024;
 
 }  // namespace
 
-bool writeString(Hive hive, std::string_view key, std::string_view valueName, std::string_view value) {
+bool applyChanges(std::span<const Change> changes) {
     const std::string path = storePath();
     if (path.empty()) return false;
     const std::filesystem::path file = pathFromAnsi(path);
+    std::error_code error;
+    if (std::filesystem::exists(file, error) && std::filesystem::file_size(file, error) > kMaxFileBytes) return false;
     std::string bytes;
     {
         std::ifstream in(file, std::ios::binary);
         if (in) bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
     }
-    std::vector<std::string> lines = bytes.empty() ? std::vector<std::string>{"Windows Registry Editor Version 5.00"}
-                                                   : linesOf(decodeRegistryFile(bytes));
-    setValueIn(lines, hive, normalizeKeyPath(key), valueName, value);
-    std::string text;
-    for (const std::string& line : lines) text += line + "\n";
-    const std::string utf8 = utf16ToUtf8(widen(text));
+    SettingsLines lines(bytes);
+    for (const Change& change : changes) {
+        switch (change.kind) {
+            case Change::Kind::SetString: lines.setValue(change.hive, change.key, change.valueName, change.value); break;
+            case Change::Kind::DeleteValue: lines.deleteValue(change.hive, change.key, change.valueName); break;
+            case Change::Kind::DeleteKey: lines.deleteKey(change.hive, change.key); break;
+        }
+    }
+    const std::string edited = lines.bytes();
+    if (edited == bytes) return true;
 
-    std::error_code ignored;
-    std::filesystem::create_directories(file.parent_path(), ignored);
+    std::filesystem::create_directories(file.parent_path(), error);
     return SUCCEEDED(replaceFile(file, [&](const std::filesystem::path& temporary) -> HRESULT {
         std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-        out.write(utf8.data(), static_cast<std::streamsize>(utf8.size()));
+        out.write(edited.data(), static_cast<std::streamsize>(edited.size()));
         out.flush();
         return out ? S_OK : E_FAIL;
     }));
+}
+
+bool writeString(Hive hive, std::string_view key, std::string_view valueName, std::string_view value) {
+    const Change change{Change::Kind::SetString, hive, std::string(key), std::string(valueName), std::string(value)};
+    return applyChanges({&change, 1});
+}
+
+bool deleteValue(Hive hive, std::string_view key, std::string_view valueName) {
+    const Change change{Change::Kind::DeleteValue, hive, std::string(key), std::string(valueName), {}};
+    return applyChanges({&change, 1});
+}
+
+bool deleteKey(Hive hive, std::string_view key) {
+    if (key.find_first_not_of('\\') == std::string_view::npos) return false;  // never a whole hive
+    const Change change{Change::Kind::DeleteKey, hive, std::string(key), {}, {}};
+    return applyChanges({&change, 1});
 }
 
 }  // namespace nvdl::registry

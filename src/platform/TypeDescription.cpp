@@ -228,6 +228,12 @@ public:
         return *m_owned.back();
     }
 
+    std::vector<const InterfaceDescription*> all() const {
+        std::vector<const InterfaceDescription*> descriptions;
+        for (const auto& entry : m_byIid) descriptions.push_back(entry.second);
+        return descriptions;
+    }
+
 private:
     std::unordered_map<IID, const InterfaceDescription*, GuidHash> m_byIid;
     std::vector<std::unique_ptr<InterfaceDescription>> m_owned;
@@ -238,6 +244,8 @@ private:
 const InterfaceDescription& registerInterface(std::unique_ptr<InterfaceDescription> description) {
     return TypeLibrary::instance().add(std::move(description));
 }
+
+std::vector<const InterfaceDescription*> registeredInterfaces() { return TypeLibrary::instance().all(); }
 
 }  // namespace nvdl
 

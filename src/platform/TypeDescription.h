@@ -84,6 +84,8 @@ private:
 // Registers a description in the system's type library, under its interface identifier. The
 // library keeps it for the life of the process.
 const InterfaceDescription& registerInterface(std::unique_ptr<InterfaceDescription> description);
+// The descriptions of the type library, one per interface identifier, in no particular order.
+std::vector<const InterfaceDescription*> registeredInterfaces();
 
 }  // namespace nvdl
 

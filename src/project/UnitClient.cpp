@@ -66,15 +66,6 @@ void ReleaseUnitService() {
     g_unitService = nullptr;
 }
 
-namespace {
-
-// The module's reference goes when the module is let go of.
-struct ReleasedAtDetach {
-    ~ReleasedAtDetach() { ReleaseUnitService(); }
-} g_releasedAtDetach;
-
-}  // namespace
-
 IDimensions* GetDimensions() {
     ComPtr<IUnitService> service(GetOrCreateUnitService());
     if (!service) return nullptr;

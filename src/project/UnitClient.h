@@ -29,7 +29,7 @@ IUnitService* GetUnitService();
 // the machine; an empty or unreadable file leaves it with the shipped file. The module keeps one
 // reference; the file is read only when the service is made.
 IUnitService* GetOrCreateUnitService();
-// Drops the module's reference (module detach; tests that change the units file).
+// Drops the module's reference (module detach, frame/ServerEntry.cpp; tests that change the units file).
 void ReleaseUnitService();
 // The service's dimensions collection.
 IDimensions* GetDimensions();
