@@ -65,7 +65,8 @@ struct Record {
 };
 
 // The bytes of a record: the head's Size, Complex, parameter length and count are those of the
-// vectors and pairs given.
+// vectors and pairs given; Size is the length of `re`, and X (when the axis stores it) and the
+// imaginary part are written at that length.
 std::vector<std::uint8_t> writeRecord(const Record& record);
 
 // Reads a whole record; false when any part of it lies beyond `available` or a length is negative.

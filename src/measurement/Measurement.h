@@ -90,6 +90,7 @@ public:
     const SampleVector& yImag() const { return m_yImag; }
     const SampleVector& xValues() const { return m_x; }
     bool isComplex() const { return m_complex != 0; }
+    ISignalRange& signalRange() { return m_signalRange; }
 
 private:
     // `sized`: the default constructor's last act, put_Size(MaxBlockSize); a copy starts without samples.

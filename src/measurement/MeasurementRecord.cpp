@@ -1,25 +1,17 @@
-// CMeasurement::Initialize: a measurement from the flat record in which an outside producer hands
-// over a finished measurement. A head of 1,400 bytes at fixed offsets, then a tail with the
-// parameter texts and the vectors. Every length in the record is checked against what was given.
-#include <algorithm>
-
+// A measurement and the flat record in which an outside producer hands one over: Initialize fills
+// the measurement from a record through its setters, recordOf builds a record from its getters.
 #include "frame/ClassTable.h"
 #include "frame/LateBound.h"
 #include "frame/TextChecks.h"
-#include "frame/TextCompare.h"
+#include "measurement/FlatRecord.h"
 #include "measurement/Measurement.h"
+#include "nvdl/IParameter.h"
 #include "platform/CodePage.h"
-#include "platform/LittleEndian.h"
+#include "project/UnitClient.h"
 
 namespace nvdl {
 
 namespace {
-
-constexpr std::size_t kHeadSize = 1400;
-
-Bstr textField(const std::uint8_t* head, std::size_t offset, std::size_t size) {
-    return Bstr(std::string_view(le::text(head + offset, size)));
-}
 
 // "name;value" in one field.
 bool splitPair(const std::string& text, std::string& name, std::string& value) {
@@ -30,98 +22,116 @@ bool splitPair(const std::string& text, std::string& name, std::string& value) {
     return !trimmed(name).empty();
 }
 
+// The parameters of the head's fields, in the order of the head, then those of the tail.
+std::vector<std::pair<std::string, std::string>> parametersOf(const flat::Record& r) {
+    std::vector<std::pair<std::string, std::string>> parameters;
+    for (const std::string* field : {&r.head.parameter1, &r.head.parameter2}) {
+        std::string name, value;
+        if (splitPair(*field, name, value)) parameters.emplace_back(name, value);
+    }
+    if (!trimmed(r.head.extraName).empty()) parameters.emplace_back(r.head.extraName, r.head.extraValue);
+    if (!r.head.loudnessSones.empty()) parameters.emplace_back("Loudness N in sones", r.head.loudnessSones);
+    if (!r.head.loudnessPhons.empty()) parameters.emplace_back("Loudness level LN in phons", r.head.loudnessPhons);
+    parameters.insert(parameters.end(), r.parameters.begin(), r.parameters.end());
+    return parameters;
+}
+
+Bstr bstrOf(const std::string& text) { return Bstr(std::string_view(text)); }
+
+template <class Get>
+std::string textOf(CMeasurement& m, Get get) {
+    Bstr text;
+    (m.*get)(text.out());
+    return text.ansi();
+}
+
+std::string enumeratedText(CMeasurement& m, HRESULT (CMeasurement::*get)(VARIANT*)) {
+    Variant value;
+    if (FAILED((m.*get)(&value)) || FAILED(value.changeType(VT_I4))) return {};
+    Bstr text;
+    m.Translate(value.lVal, text.out());
+    return text.ansi();
+}
+
+template <class T, class Object>
+T valueOf(Object& o, HRESULT (Object::*get)(T*)) {
+    T value{};
+    (o.*get)(&value);
+    return value;
+}
+
+std::int32_t dimensionIndex(CMeasurement& m, HRESULT (CMeasurement::*get)(IDispatch**)) {
+    IDispatch* dimension = nullptr;
+    (m.*get)(&dimension);
+    const LONG index = DimensionTableIndex(dimension);
+    if (dimension) dimension->Release();
+    return index;
+}
+
 }  // namespace
 
-bool CMeasurement::Initialize(const std::uint8_t* record, std::size_t available) {
-    if (!record || available < kHeadSize) return false;
-    const std::uint8_t* h = record;
+bool CMeasurement::Initialize(const std::uint8_t* bytes, std::size_t available) {
+    flat::Record r;
+    if (!flat::decodeHead(bytes, available, r.head)) return false;
+    const bool whole = flat::readRecord(bytes, available, r);
+    const flat::Head& h = r.head;
     // Each setter keeps its own rules (a negative Averages is stored and refused); what counts is
     // that every setter ran over a record that was whole.
-    bool ok = true;
-    auto run = [](HRESULT) {};
-    auto enumerated = [&](HRESULT (CMeasurement::*put)(VARIANT), std::size_t offset) {
-        Variant text = Variant::fromAnsi(le::text(h + offset, 50));
-        run((this->*put)(text));
+    auto enumerated = [&](HRESULT (CMeasurement::*put)(VARIANT), const std::string& text) {
+        (this->*put)(Variant::fromAnsi(text));
     };
-
-    run(put_Name(textField(h, 0, 100).get()));
-    enumerated(&CMeasurement::put_FunctionType, 100);
-    run(put_ResponseChannel(le::i16(h + 156)));
-    run(put_Response(textField(h, 158, 50).get()));
-    run(put_ReferenceChannel(le::i16(h + 208)));
-    run(put_Reference(textField(h, 210, 50).get()));
-    enumerated(&CMeasurement::put_XAxisType, 260);
-    run(put_XStart(le::f32(h + 312)));
-    run(put_XIncrement(le::f32(h + 316)));
-    run(setDimensionByIndex(m_xdDimension, le::i32(h + 320)));
-    const LONG size = le::i32(h + 376);
-    const bool complex = le::i32(h + 380) != 0;
-    run(put_Size(size));
-    run(put_Complex(complex ? VARIANT_TRUE : VARIANT_FALSE));
-    run(setDimensionByIndex(m_ydDimension, le::i32(h + 384)));
-    enumerated(&CMeasurement::put_AveragingType, 438);
-    run(put_AveragingParameter(le::f32(h + 488)));
-    run(put_Averages(le::i16(h + 492)));
-    run(put_Overlap(le::f32(h + 496)));
-    enumerated(&CMeasurement::put_WindowType, 500);
-    run(put_WindowParameter(le::f32(h + 552)));
-    run(put_MeasurementTime(le::f64(h + 560)));
-    run(put_TestId(textField(h, 568, 50).get()));
-    run(put_FunctionQualifier(textField(h, 618, 50).get()));
-    run(put_AcousticWeighting(textField(h, 668, 50).get()));
-    run(put_Environment(textField(h, 718, 50).get()));
-    run(put_UserId(textField(h, 768, 100).get()));
-    const std::int32_t parameterBytes = le::i32(h + 868);
-    run(put_Order(le::f32(h + 872)));
-    run(put_RPM(le::f32(h + 876)));
-    run(put_Z(le::f32(h + 880)));
-    run(setDimensionByIndex(m_zdDimension, le::i32(h + 884)));
-    const std::int32_t parameterCount = le::i32(h + 888);
-    run(put_BandwidthCorrectionFactor(le::f32(h + 892)));
-    run(put_Power(le::i32(h + 896)));
-    run(put_Overload(le::i32(h + 900)));
-    run(put_StorageUnitX(textField(h, 904, 50).get()));
-    run(put_StorageUnitY(textField(h, 954, 50).get()));
+    put_Name(bstrOf(h.name).get());
+    enumerated(&CMeasurement::put_FunctionType, h.functionType);
+    put_ResponseChannel(h.responseChannel);
+    put_Response(bstrOf(h.response).get());
+    put_ReferenceChannel(h.referenceChannel);
+    put_Reference(bstrOf(h.reference).get());
+    enumerated(&CMeasurement::put_XAxisType, h.xAxisType);
+    put_XStart(h.xStart);
+    put_XIncrement(h.xIncrement);
+    setDimensionByIndex(m_xdDimension, h.xDimension);
+    put_Size(h.size);
+    put_Complex(h.complex != 0 ? VARIANT_TRUE : VARIANT_FALSE);
+    setDimensionByIndex(m_ydDimension, h.yDimension);
+    enumerated(&CMeasurement::put_AveragingType, h.averagingType);
+    put_AveragingParameter(h.averagingParameter);
+    put_Averages(h.averages);
+    put_Overlap(h.overlap);
+    enumerated(&CMeasurement::put_WindowType, h.windowType);
+    put_WindowParameter(h.windowParameter);
+    put_MeasurementTime(h.measurementTime);
+    put_TestId(bstrOf(h.testId).get());
+    put_FunctionQualifier(bstrOf(h.functionQualifier).get());
+    put_AcousticWeighting(bstrOf(h.acousticWeighting).get());
+    put_Environment(bstrOf(h.environment).get());
+    put_UserId(bstrOf(h.userId).get());
+    put_Order(h.order);
+    put_RPM(h.rpm);
+    put_Z(h.z);
+    setDimensionByIndex(m_zdDimension, h.zDimension);
+    put_BandwidthCorrectionFactor(h.bandwidthCorrectionFactor);
+    put_Power(h.power);
+    put_Overload(h.overload);
+    put_StorageUnitX(bstrOf(h.storageUnitX).get());
+    put_StorageUnitY(bstrOf(h.storageUnitY).get());
 
     ISignalRange& range = m_signalRange;
-    run(range.put_Min(le::f64(h + 1008)));
-    run(range.put_Max(le::f64(h + 1016)));
-    run(range.put_OverallMin(le::f64(h + 1024)));
-    run(range.put_OverallMax(le::f64(h + 1032)));
-    run(range.put_Mean(le::f64(h + 1040)));
-    run(range.put_Rms(le::f64(h + 1048)));
-    run(range.put_StandardDeviation(le::f64(h + 1056)));
-    run(range.put_Factor(le::f64(h + 1064)));
-    run(range.put_UnitOffset(le::f64(h + 1072)));
-    run(range.put_Range(le::f32(h + 1080)));
-    run(put_Usage(le::i32(h + 1188)));
-    m_isUsefullData = le::i32(h + 1192) != 0 ? 1 : 0;
+    range.put_Min(h.rangeMin);
+    range.put_Max(h.rangeMax);
+    range.put_OverallMin(h.overallMin);
+    range.put_OverallMax(h.overallMax);
+    range.put_Mean(h.mean);
+    range.put_Rms(h.rms);
+    range.put_StandardDeviation(h.standardDeviation);
+    range.put_Factor(h.factor);
+    range.put_UnitOffset(h.unitOffset);
+    range.put_Range(h.range);
+    put_Usage(h.usage);
+    m_isUsefullData = h.isUsefullData != 0 ? 1 : 0;
+    if (!whole) return false;
 
-    // Parameters: two "name;value" fields, an extra pair, the two loudness values, then the tail's texts.
-    std::vector<std::pair<std::string, std::string>> parameters;
-    for (std::size_t offset : {1088u, 1138u}) {
-        std::string name, value;
-        if (splitPair(le::text(h + offset, 50), name, value)) parameters.emplace_back(name, value);
-    }
-    std::string extraName = le::text(h + 1196, 50);
-    if (!trimmed(extraName).empty()) parameters.emplace_back(extraName, le::text(h + 1246, 50));
-    std::string sones = le::text(h + 1296, 50), phons = le::text(h + 1346, 50);
-    if (!sones.empty()) parameters.emplace_back("Loudness N in sones", sones);
-    if (!phons.empty()) parameters.emplace_back("Loudness level LN in phons", phons);
-
-    std::size_t at = kHeadSize;
-    if (parameterBytes < 0 || static_cast<std::size_t>(parameterBytes) > available - at) return false;
-    const std::uint8_t* text = record + at;
-    const std::uint8_t* end = text + parameterBytes;
-    for (std::int32_t i = 0; i < parameterCount && text < end; ++i) {
-        std::string name = le::text(text, static_cast<std::size_t>(end - text));
-        text += std::min(name.size() + 1, static_cast<std::size_t>(end - text));
-        std::string value = text < end ? le::text(text, static_cast<std::size_t>(end - text)) : std::string();
-        text += std::min(value.size() + 1, static_cast<std::size_t>(end - text));
-        parameters.emplace_back(name, value);
-    }
-    at += static_cast<std::size_t>(parameterBytes);
-    for (const auto& [name, value] : parameters) {
+    bool ok = true;
+    for (const auto& [name, value] : parametersOf(r)) {
         IDispatch* parameter = nullptr;
         if (FAILED(createInstance(CLSID_CParameter, &parameter))) {
             ok = false;
@@ -134,28 +144,89 @@ bool CMeasurement::Initialize(const std::uint8_t* record, std::size_t available)
         m_parameters.Add(parameter, &key, &before, &after, &index);
         parameter->Release();
     }
-
-    // Vectors: X on "Arbitrary" and "Octaves" axes, Y real, Y imaginary when complex.
-    const std::size_t n = size > 0 ? static_cast<std::size_t>(m_size) : 0;
-    const std::size_t vectorBytes = static_cast<std::size_t>(std::max<LONG>(size, 0)) * sizeof(float);
-    auto readVector = [&](std::vector<float>& into) -> bool {
-        if (vectorBytes > available - at) return false;
-        into.resize(n);
-        for (std::size_t i = 0; i < n; ++i) into[i] = le::f32(record + at + i * sizeof(float));
-        at += vectorBytes;
-        return true;
-    };
-    std::string axis = le::text(h + 260, 50);
-    std::vector<float> values;
-    if (equalsIgnoringCase(widen(axis), u"Arbitrary") || equalsIgnoringCase(widen(axis), u"Octaves")) {
-        if (!readVector(values)) return false;
-        run(SetXValues(0, static_cast<LONG>(n), values.data()));
-    }
-    std::vector<float> re, im;
-    if (!readVector(re)) return false;
-    if (complex && !readVector(im)) return false;
-    run(SetYValues(0, static_cast<LONG>(n), re.data(), complex ? im.data() : nullptr));
+    const LONG n = static_cast<LONG>(r.re.size());
+    if (!r.x.empty()) SetXValues(0, n, r.x.data());
+    SetYValues(0, n, r.re.data(), r.im.empty() ? nullptr : r.im.data());
     return ok;
 }
+
+namespace flat {
+
+// The reverse of Initialize: the parameters all go to the tail, the head's parameter fields stay empty.
+Record recordOf(CMeasurement& m) {
+    using C = CMeasurement;
+    Record r;
+    Head& h = r.head;
+    h.name = textOf(m, &C::get_Name);
+    h.functionType = enumeratedText(m, &C::get_FunctionType);
+    h.responseChannel = static_cast<std::int16_t>(valueOf<LONG>(m, &C::get_ResponseChannel));
+    h.response = textOf(m, &C::get_Response);
+    h.referenceChannel = static_cast<std::int16_t>(valueOf<LONG>(m, &C::get_ReferenceChannel));
+    h.reference = textOf(m, &C::get_Reference);
+    h.xAxisType = enumeratedText(m, &C::get_XAxisType);
+    h.xStart = valueOf<float>(m, &C::get_XStart);
+    h.xIncrement = valueOf<float>(m, &C::get_XIncrement);
+    h.xDimension = dimensionIndex(m, &C::get_XdDimension);
+    h.yDimension = dimensionIndex(m, &C::get_YdDimension);
+    h.averagingType = enumeratedText(m, &C::get_AveragingType);
+    h.averagingParameter = valueOf<float>(m, &C::get_AveragingParameter);
+    h.averages = static_cast<std::int16_t>(valueOf<LONG>(m, &C::get_Averages));
+    h.overlap = valueOf<float>(m, &C::get_Overlap);
+    h.windowType = enumeratedText(m, &C::get_WindowType);
+    h.windowParameter = valueOf<float>(m, &C::get_WindowParameter);
+    h.measurementTime = valueOf<double>(m, &C::get_MeasurementTime);
+    h.testId = textOf(m, &C::get_TestId);
+    h.functionQualifier = textOf(m, &C::get_FunctionQualifier);
+    h.acousticWeighting = textOf(m, &C::get_AcousticWeighting);
+    h.environment = textOf(m, &C::get_Environment);
+    h.userId = textOf(m, &C::get_UserId);
+    h.order = valueOf<float>(m, &C::get_Order);
+    h.rpm = valueOf<float>(m, &C::get_RPM);
+    h.z = valueOf<float>(m, &C::get_Z);
+    h.zDimension = dimensionIndex(m, &C::get_ZdDimension);
+    h.bandwidthCorrectionFactor = valueOf<float>(m, &C::get_BandwidthCorrectionFactor);
+    h.power = valueOf<LONG>(m, &C::get_Power);
+    h.overload = valueOf<LONG>(m, &C::get_Overload);
+    h.storageUnitX = textOf(m, &C::get_StorageUnitX);
+    h.storageUnitY = textOf(m, &C::get_StorageUnitY);
+    ISignalRange& range = m.signalRange();
+    h.rangeMin = valueOf<double>(range, &ISignalRange::get_Min);
+    h.rangeMax = valueOf<double>(range, &ISignalRange::get_Max);
+    h.overallMin = valueOf<double>(range, &ISignalRange::get_OverallMin);
+    h.overallMax = valueOf<double>(range, &ISignalRange::get_OverallMax);
+    h.mean = valueOf<double>(range, &ISignalRange::get_Mean);
+    h.rms = valueOf<double>(range, &ISignalRange::get_Rms);
+    h.standardDeviation = valueOf<double>(range, &ISignalRange::get_StandardDeviation);
+    h.factor = valueOf<double>(range, &ISignalRange::get_Factor);
+    h.unitOffset = valueOf<double>(range, &ISignalRange::get_UnitOffset);
+    h.range = valueOf<float>(range, &ISignalRange::get_Range);
+    h.usage = valueOf<LONG>(m, &C::get_Usage);
+    h.isUsefullData = valueOf<SHORT>(m, &C::get_IsUsefullData) != 0 ? 1 : 0;
+
+    ComPtr<ICollection> parameters;
+    LONG count = 0;
+    if (SUCCEEDED(m.get_Parameters(parameters.out())) && parameters && SUCCEEDED(parameters->get_Count(&count))) {
+        for (LONG i = 0; i < count; ++i) {
+            ComPtr<IDispatch> item;
+            Variant name, value;
+            if (FAILED(parameters->Item(Variant::fromLong(i), item.out())) ||
+                FAILED(latebound::get(item.get(), u"Name", &name)) || FAILED(name.changeType(VT_BSTR)) ||
+                FAILED(latebound::get(item.get(), u"Value", &value)) || FAILED(value.changeType(VT_BSTR)))
+                continue;
+            r.parameters.emplace_back(bstrToAnsi(name.bstrVal), bstrToAnsi(value.bstrVal));
+        }
+    }
+    const LONG n = std::max<LONG>(valueOf<LONG>(m, &C::get_Size), 0);
+    r.re.resize(static_cast<std::size_t>(n));
+    if (m.isComplex()) r.im.resize(static_cast<std::size_t>(n));
+    m.GetYValues(0, n, r.re.data(), r.im.empty() ? nullptr : r.im.data());
+    if (storesX(h)) {
+        r.x.resize(static_cast<std::size_t>(n));
+        m.GetXValues(0, n, r.x.data());
+    }
+    return r;
+}
+
+}  // namespace flat
 
 }  // namespace nvdl
