@@ -118,7 +118,10 @@ class TwoReferencesThreeResponses(unittest.TestCase):
             truth = np.stack([scipy.signal.freqz(b, a, worN=self.lines, include_nyquist=True)[1] for b, a in FILTERS[j]], -1)
             signal = np.einsum("li,ik,lk->l", truth, gff_true, np.conj(truth)).real
             ideal = signal / (signal + NOISE[j] ** 2)
-            self.assertLess(np.median(np.abs(got[1:-1, j] - ideal[1:-1])), 0.05, j)
+            # Measured in the spread of a coherence estimated from BLOCKS blocks.
+            spread = np.sqrt(2.0 * ideal / BLOCKS) * (1.0 - ideal) + 1e-3
+            deviation = np.abs(got[1:-1, j] - ideal[1:-1]) / spread[1:-1]
+            self.assertLess(np.median(deviation), 1.5, j)
         self.assertLess(np.median(got[:, 2]), np.median(got[:, 1]))
         self.assertLess(np.median(got[:, 1]), np.median(got[:, 0]))
 

@@ -411,16 +411,16 @@ TEST_F(Mimo, UnreadableSourcesCloneToNothing) {
 
 // --- Dimensions through the unit service ---
 
-LONG tableIndex(const char* unitText) {
-    ComPtr<IDimension> d(DimensionFromText(unitText, false));
+LONG tableIndex(const char* name) {
+    ComPtr<IDimension> d(DimensionFromText(name, false));
     return DimensionTableIndex(d.get());
 }
 
 TEST_F(Mimo, DimensionsFollowTheExponentsOfTheSources) {
     ComPtr<IUnitService> units(GetOrCreateUnitService());
     ASSERT_TRUE(units);
-    const LONG second = tableIndex("s"), velocity = tableIndex("m/s"), acceleration = tableIndex("m/s^2"),
-               frequency = tableIndex("Hz");
+    const LONG second = tableIndex("Time"), velocity = tableIndex("Velocity"), acceleration = tableIndex("Acceleration"),
+               frequency = tableIndex("Frequency");
     ASSERT_TRUE(second > 0 && velocity > 0 && acceleration > 0 && frequency > 0);
     // Gff in seconds, Gxf in metres per second: the FRF is an acceleration, the inverse a frequency.
     Inputs in{{makeRecord({4.0}, true, "Equidistant", second)}, {makeRecord({6.0}, true, "Equidistant", velocity)},
