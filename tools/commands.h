@@ -9,5 +9,6 @@ using Command = int (*)(int argc, char** argv);
 int demo(int argc, char** argv);
 int tree(int argc, char** argv);
 int ls(int argc, char** argv);
+int plan(int argc, char** argv);
 
 }  // namespace nvdl::tool

@@ -16,6 +16,7 @@ const Entry kCommands[] = {
     {"demo", nvdl::tool::demo, "demo            create objects by ProgID and drive them late-bound"},
     {"tree", nvdl::tool::tree, "tree FILE       print the storage tree of a compound file"},
     {"ls", nvdl::tool::ls, "ls FILE         list what a workspace or project file holds: workspaces, measurements, geometries, modes, setups, layouts, documents"},
+    {"plan", nvdl::tool::plan, "plan SIZE...    measure FFT plans of these lengths and keep them in the user's cache, so transforms of them run at full speed"},
 };
 
 int usage() {
