@@ -1,5 +1,6 @@
 // daFft against a raw FFTW execute of the same length and planner (the kernel's transform plans
-// with FFTW_ESTIMATE), with the plan made beforehand in both cases. daFft's extra work is its
+// with FFTW_ESTIMATE for lengths the wisdom file does not know: run with NVDL_FFT_WISDOM=0 to be
+// sure), with the plan made beforehand in both cases; bench_fft_planned compares measured plans. daFft's extra work is its
 // output allocation, the repacking of the spectrum to peak scale, and the packed-layout shuffle.
 #include <benchmark/benchmark.h>
 #include <fftw3.h>

@@ -11,5 +11,6 @@ int tree(int argc, char** argv);
 int ls(int argc, char** argv);
 int registerServer(int argc, char** argv);
 int unregisterServer(int argc, char** argv);
+int plan(int argc, char** argv);
 
 }  // namespace nvdl::tool

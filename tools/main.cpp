@@ -18,6 +18,7 @@ const Entry kCommands[] = {
     {"ls", nvdl::tool::ls, "ls FILE         list what a workspace or project file holds: workspaces, measurements, geometries, modes, setups, layouts, documents"},
     {"register", nvdl::tool::registerServer, "register [LIB]  write the classes, interfaces and project file type of LIB (libnvdl.so beside nvdl) to the settings store ($NVDL_REGISTRY)"},
     {"unregister", nvdl::tool::unregisterServer, "unregister [LIB] remove what register wrote from the settings store"},
+    {"plan", nvdl::tool::plan, "plan SIZE...    measure FFT plans of these lengths and keep them in the user's cache, so transforms of them run at full speed"},
 };
 
 int usage(std::FILE* out, int status) {

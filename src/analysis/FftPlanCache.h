@@ -1,4 +1,4 @@
-// Process-wide cache of FFTW single-precision real transform plans, keyed by length.
+// Per-thread cache of FFTW single-precision real transform plans, keyed by length.
 #pragma once
 
 #include <fftw3.h>
@@ -16,8 +16,8 @@ struct FftPlans {
     fftwf_plan backwardUnaligned = nullptr;
 };
 
-// The plans of length n, most recently used lengths kept. Null if n < 1 or FFTW cannot plan.
-// The returned record stays valid until the next call.
+// The calling thread's plans of length n, its most recently used lengths kept. Null if n < 1 or
+// n > INT_MAX. The returned record stays valid until the thread's next call.
 FftPlans* fftPlansFor(long n);
 
 // The forward or backward plan of `plans` for arrays of the given alignment, created on first use.

@@ -7,10 +7,11 @@
 //   p(t) = q[0] + 2·sum(q[2k-1]·cos(2πkt/n) - q[2k]·sin(2πkt/n)) + (-1)^t·q[n-1] (last term for even n),
 // also unnormalised, so forward followed by backward multiplies by n.
 //
-// Every length n >= 1 is accepted. Transform plans are built with FFTW's estimating planner (a few
-// milliseconds even for millions of samples, where measuring planners take many seconds) and kept
-// in a small process-wide cache by length, so repeated and alternating block sizes reuse them.
-// The cache is unsynchronised, like the rest of the kernel: one caller at a time.
+// Every length n >= 1 is accepted. A length with a measured plan in the FFTW wisdom file runs on
+// it; any other is planned by FFTW's estimating planner (a few milliseconds even for millions of
+// samples, where measuring takes many seconds; `nvdl plan` measures lengths and saves the wisdom).
+// Plans are kept in a small cache by length, one per thread, so repeated and alternating block
+// sizes reuse them, and transforms may run in several threads at once.
 #pragma once
 
 // Set-up for transforms of one length, with a work area for transforms that return their result
