@@ -5,6 +5,7 @@
 #include "frame/TextChecks.h"
 #include "measurement/FlatRecord.h"
 #include "measurement/Measurement.h"
+#include "measurement/MeasurementGetters.h"
 #include "nvdl/IParameter.h"
 #include "platform/CodePage.h"
 #include "project/UnitClient.h"
@@ -37,36 +38,6 @@ std::vector<std::pair<std::string, std::string>> parametersOf(const flat::Record
 }
 
 Bstr bstrOf(const std::string& text) { return Bstr(std::string_view(text)); }
-
-template <class Get>
-std::string textOf(CMeasurement& m, Get get) {
-    Bstr text;
-    (m.*get)(text.out());
-    return text.ansi();
-}
-
-std::string enumeratedText(CMeasurement& m, HRESULT (CMeasurement::*get)(VARIANT*)) {
-    Variant value;
-    if (FAILED((m.*get)(&value)) || FAILED(value.changeType(VT_I4))) return {};
-    Bstr text;
-    m.Translate(value.lVal, text.out());
-    return text.ansi();
-}
-
-template <class T, class Object>
-T valueOf(Object& o, HRESULT (Object::*get)(T*)) {
-    T value{};
-    (o.*get)(&value);
-    return value;
-}
-
-std::int32_t dimensionIndex(CMeasurement& m, HRESULT (CMeasurement::*get)(IDispatch**)) {
-    IDispatch* dimension = nullptr;
-    (m.*get)(&dimension);
-    const LONG index = DimensionTableIndex(dimension);
-    if (dimension) dimension->Release();
-    return index;
-}
 
 }  // namespace
 
@@ -151,6 +122,8 @@ bool CMeasurement::Initialize(const std::uint8_t* bytes, std::size_t available) 
 }
 
 namespace flat {
+
+using namespace getters;
 
 // The reverse of Initialize: the parameters all go to the tail, the head's parameter fields stay empty.
 Record recordOf(CMeasurement& m) {

@@ -2,6 +2,7 @@
 // 116 bytes), each built in a zeroed buffer and flushed, then the vectors and the parameter text
 // in one run. The header comes through the measurement's property getters.
 #include "measurement/Measurement.h"
+#include "measurement/MeasurementGetters.h"
 #include "measurement/MeasurementStreamFormat.h"
 #include "nvdl/IParameter.h"
 #include "platform/LittleEndian.h"
@@ -12,39 +13,12 @@ namespace nvdl {
 
 using namespace measurement_tag;
 
+using namespace getters;
+
 namespace {
 
 constexpr ULONG kLargestWrite = 1u << 30;
 
-std::string textOf(CMeasurement& m, HRESULT (CMeasurement::*get)(BSTR*)) {
-    Bstr text;
-    (m.*get)(text.out());
-    return text.ansi();
-}
-
-// An enumerated property as the text of its code; a code without text gives an empty field.
-std::string enumeratedText(CMeasurement& m, HRESULT (CMeasurement::*get)(VARIANT*)) {
-    Variant value;
-    if (FAILED((m.*get)(&value)) || FAILED(value.changeType(VT_I4))) return {};
-    Bstr text;
-    m.Translate(value.lVal, text.out());
-    return text.ansi();
-}
-
-LONG dimensionIndex(CMeasurement& m, HRESULT (CMeasurement::*get)(IDispatch**)) {
-    IDispatch* dimension = nullptr;
-    (m.*get)(&dimension);
-    LONG index = DimensionTableIndex(dimension);
-    if (dimension) dimension->Release();
-    return index;
-}
-
-template <class T>
-T valueOf(CMeasurement& m, HRESULT (CMeasurement::*get)(T*)) {
-    T value{};
-    (m.*get)(&value);
-    return value;
-}
 
 HRESULT writeAll(IStream* stream, const std::uint8_t* bytes, std::size_t size) {
     while (size > 0) {

@@ -6,10 +6,9 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <random>
-#include <thread>
 
 #include "../platform/TempDir.h"
+#include "InterruptedSaves.h"
 #include "ProjectTestSupport.h"
 #include "platform/FileLock.h"
 
@@ -53,29 +52,9 @@ TEST(ProjectSave, AKilledSaveLeavesTheOldFileWhole) {
     replacement->Close();
     std::filesystem::remove(dir.path() / "timing.vpj");
 
-    // Kill points spread over twice the save's time; every 25th save runs to its end.
-    std::mt19937 random(20261124);
-    std::uniform_real_distribution<double> spread(0.0, 2.0);
-    int replaced = 0;
-    for (int round = 0; round < 200; ++round) {
-        const bool runsToEnd = round % 25 == 24;
-        const auto cut = std::chrono::duration_cast<std::chrono::microseconds>(saveTime * spread(random));
-        const pid_t child = ::fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) _exit(SUCCEEDED(saveProject(replacement.get(), file)) ? 0 : 1);
-        if (!runsToEnd) {
-            std::this_thread::sleep_for(cut);
-            ::kill(child, SIGKILL);
-        }
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        if (runsToEnd) {
-            ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "round " << round;
-        }
-        const float level = levelOf(file, kCount);
-        ASSERT_TRUE(level == 1.0f || level == 2.0f) << "round " << round << " after " << cut.count() << " us";
-        replaced += level == 2.0f;
-    }
+    const int replaced = killSavesAtRandomPoints(
+        saveTime, [&] { return SUCCEEDED(saveProject(replacement.get(), file)); }, [&] { return levelOf(file, kCount); },
+        1.0f, 2.0f);
     EXPECT_GT(replaced, 0);
     std::vector<std::string> left;
     ASSERT_EQ(saveProject(projectOf(1, 16, 3.0f).get(), file), S_OK);  // clears what killed saves left

@@ -1,14 +1,9 @@
 // A save cut short by the end of its process at any point never damages the file it replaces, and
 // the next save in the folder leaves no temporary file of the cut ones behind.
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <chrono>
-#include <random>
-#include <thread>
 
 #include "../platform/TempDir.h"
+#include "InterruptedSaves.h"
 #include "WorkspaceTestSupport.h"
 
 namespace nvdl::test {
@@ -53,30 +48,9 @@ TEST(WorkspaceSave, ACutShortSaveLeavesTheOldFileWhole) {
     const auto saveTime = std::chrono::steady_clock::now() - started;
     std::filesystem::remove(dir.path() / "timing.wkd");
 
-    // Cut points spread over twice the save's time (a child starts slower than the parent saves,
-    // more so under the sanitizers); every 25th save runs to its end.
-    std::mt19937 random(20261124);
-    std::uniform_real_distribution<double> spread(0.0, 2.0);
-    int replaced = 0;
-    for (int round = 0; round < 200; ++round) {
-        const bool runsToEnd = round % 25 == 24;
-        const auto cut = std::chrono::duration_cast<std::chrono::microseconds>(saveTime * spread(random));
-        const pid_t child = ::fork();
-        ASSERT_GE(child, 0);
-        if (child == 0) _exit(SUCCEEDED(saveAs(replacement.get(), file)) ? 0 : 1);
-        if (!runsToEnd) {
-            std::this_thread::sleep_for(cut);
-            ::kill(child, SIGKILL);
-        }
-        int status = 0;
-        ::waitpid(child, &status, 0);
-        if (runsToEnd) {
-            ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << "round " << round;
-        }
-        const float level = levelOf(file, kCount);
-        ASSERT_TRUE(level == 1.0f || level == 2.0f) << "round " << round << " after " << cut.count() << " us";
-        replaced += level == 2.0f;
-    }
+    const int replaced = killSavesAtRandomPoints(
+        saveTime, [&] { return SUCCEEDED(saveAs(replacement.get(), file)); }, [&] { return levelOf(file, kCount); }, 1.0f,
+        2.0f);
     EXPECT_GT(replaced, 0);  // some saves got through
 
     ASSERT_EQ(saveAs(workspaceOf("last", 1, 16, 3.0f).get(), file), S_OK);
