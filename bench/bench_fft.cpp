@@ -9,39 +9,14 @@
 #include <random>
 #include <vector>
 
+#include "FftBenchBodies.h"
 #include "nvdl/daDspLib.h"
 
 namespace {
 
-std::vector<float> randomSignal(long n)
-{
-    std::mt19937 generator(42);
-    std::uniform_real_distribution<float> uniform(-1.0f, 1.0f);
-    std::vector<float> x(static_cast<size_t>(n));
-    for (float& v : x)
-        v = uniform(generator);
-    return x;
-}
+using nvdl::bench::randomSignal;
 
-void BM_daFft(benchmark::State& state)
-{
-    const long n = state.range(0);
-    std::vector<float> x = randomSignal(n);
-    daVector time{x.data(), nullptr, n};
-    daVector spectrum{nullptr, nullptr, 0};
-    if (daFft(time, &spectrum) != 0) {
-        state.SkipWithError("daFft failed");
-        return;
-    }
-    for (auto _ : state) {
-        daFft(time, &spectrum);
-        benchmark::DoNotOptimize(spectrum.real);
-        benchmark::ClobberMemory();
-    }
-    std::free(spectrum.real);
-    std::free(spectrum.imag);
-    state.SetItemsProcessed(state.iterations() * n);
-}
+void BM_daFft(benchmark::State& state) { nvdl::bench::runDaFft(state); }
 
 void BM_RawFftwExecute(benchmark::State& state)
 {
