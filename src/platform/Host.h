@@ -8,7 +8,7 @@
 namespace nvdl::host {
 
 // Button sets and answers of a message box, numbered as the platform numbers them.
-enum : unsigned { MB_OK = 0x0, MB_OKCANCEL = 0x1, MB_YESNOCANCEL = 0x3, MB_YESNO = 0x4, MB_ICONQUESTION = 0x20 };
+enum : unsigned { MB_OK = 0x0, MB_OKCANCEL = 0x1, MB_YESNOCANCEL = 0x3, MB_YESNO = 0x4, MB_ICONQUESTION = 0x20, MB_ICONINFORMATION = 0x40 };
 enum : int { IDOK = 1, IDCANCEL = 2, IDYES = 6, IDNO = 7 };
 
 using MessageBoxHandler = std::function<int(const std::string& text, const std::string& caption, unsigned type)>;

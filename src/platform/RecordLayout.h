@@ -25,7 +25,8 @@ namespace nvdl::record {
 // The value of one field: its member in the struct, and with it the field's type and size.
 template <class R>
 struct Value {
-    std::variant<std::int16_t R::*, std::int32_t R::*, float R::*, double R::*, std::string R::*> member;
+    std::variant<std::int16_t R::*, std::int32_t R::*, std::int64_t R::*, float R::*, double R::*, std::string R::*>
+        member;
     std::uint16_t size;  // bytes in the record; a text holds at most size - 1 characters
 };
 
@@ -33,6 +34,8 @@ template <class R>
 constexpr Value<R> i16(std::int16_t R::*m) { return {m, 2}; }
 template <class R>
 constexpr Value<R> i32(std::int32_t R::*m) { return {m, 4}; }
+template <class R>
+constexpr Value<R> i64(std::int64_t R::*m) { return {m, 8}; }
 template <class R>
 constexpr Value<R> f32(float R::*m) { return {m, 4}; }
 template <class R>
@@ -54,6 +57,7 @@ void decodeValue(const Value<R>& v, const std::uint8_t* at, R& into) {
             using T = std::remove_reference_t<decltype(into.*member)>;
             if constexpr (std::is_same_v<T, std::int16_t>) into.*member = le::i16(at);
             else if constexpr (std::is_same_v<T, std::int32_t>) into.*member = le::i32(at);
+            else if constexpr (std::is_same_v<T, std::int64_t>) into.*member = static_cast<std::int64_t>(le::u64(at));
             else if constexpr (std::is_same_v<T, float>) into.*member = le::f32(at);
             else if constexpr (std::is_same_v<T, double>) into.*member = le::f64(at);
             else into.*member = le::text(at, v.size - 1u);  // at most size - 1 characters, as written
@@ -68,6 +72,7 @@ void encodeValue(const Value<R>& v, const R& from, std::uint8_t* at) {
             using T = std::remove_cvref_t<decltype(from.*member)>;
             if constexpr (std::is_same_v<T, std::int16_t>) le::put16(at, static_cast<std::uint16_t>(from.*member));
             else if constexpr (std::is_same_v<T, std::int32_t>) le::put32(at, static_cast<std::uint32_t>(from.*member));
+            else if constexpr (std::is_same_v<T, std::int64_t>) le::put64(at, static_cast<std::uint64_t>(from.*member));
             else if constexpr (std::is_same_v<T, float>) le::putF32(at, from.*member);
             else if constexpr (std::is_same_v<T, double>) le::putF64(at, from.*member);
             else le::putText(at, v.size, from.*member);
