@@ -90,8 +90,9 @@ void fillDistinct(TrcFixedSection<R>& section, int& seed) {
 template <class R>
 void expectSameFields(const TrcFixedSection<R>& read, const TrcFixedSection<R>& written) {
     for (const auto& field : written.GetFields()) {
-        std::visit([&](auto member) { EXPECT_EQ(read.GetBlock().*member, written.GetBlock().*member) << field.offset[0]; },
-                   field.value.member);
+        std::visit(
+            [&](auto member) { EXPECT_EQ(read.GetBlock().*member, written.GetBlock().*member) << field.offset[0]; },
+            field.value.member);
     }
 }
 

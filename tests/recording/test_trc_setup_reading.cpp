@@ -192,7 +192,8 @@ TEST(TrcTachoChannel, TheActivePartNamesTheChannelAndGivesItsRange) {
         int activated;
         const char* name;
         float endRpm;
-    } cases[] = {{0, 0, 0, "cola", 0.0f}, {1, 0, 1, "rpm", 6000.0f}, {0, 1, 1, "cola", 1.0f}, {1, 1, 1, "rpm", 6000.0f}};
+    } cases[] = {
+        {0, 0, 0, "cola", 0.0f}, {1, 0, 1, "rpm", 6000.0f}, {0, 1, 1, "cola", 1.0f}, {1, 1, 1, "rpm", 6000.0f}};
     CTrcTachoChannels list;
     for (const Case& c : cases) {
         auto tacho = std::make_unique<CTrcTachoChannel>();
