@@ -17,6 +17,7 @@
 #include <span>
 #include <string>
 #include <variant>
+#include <vector>
 
 #include "platform/LittleEndian.h"
 
@@ -25,7 +26,8 @@ namespace nvdl::record {
 // The value of one field: its member in the struct, and with it the field's type and size.
 template <class R>
 struct Value {
-    std::variant<std::int16_t R::*, std::int32_t R::*, std::int64_t R::*, float R::*, double R::*, std::string R::*>
+    std::variant<std::int16_t R::*, std::int32_t R::*, std::int64_t R::*, float R::*, double R::*, std::string R::*,
+                 std::vector<float> R::*>
         member;
     std::uint16_t size;  // bytes in the record; a text holds at most size - 1 characters
 };
@@ -42,6 +44,9 @@ template <class R>
 constexpr Value<R> f64(double R::*m) { return {m, 8}; }
 template <class R>
 constexpr Value<R> text(std::string R::*m, std::uint16_t size) { return {m, size}; }
+// A fixed array of `count` floats; decoding makes the vector exactly that long.
+template <class R>
+constexpr Value<R> f32s(std::vector<float> R::*m, std::uint16_t count) { return {m, static_cast<std::uint16_t>(4 * count)}; }
 
 // A field of a record with `Generations` layouts: its value and its offset in each.
 template <class R, std::size_t Generations>
@@ -60,7 +65,10 @@ void decodeValue(const Value<R>& v, const std::uint8_t* at, R& into) {
             else if constexpr (std::is_same_v<T, std::int64_t>) into.*member = static_cast<std::int64_t>(le::u64(at));
             else if constexpr (std::is_same_v<T, float>) into.*member = le::f32(at);
             else if constexpr (std::is_same_v<T, double>) into.*member = le::f64(at);
-            else into.*member = le::text(at, v.size - 1u);  // at most size - 1 characters, as written
+            else if constexpr (std::is_same_v<T, std::vector<float>>) {
+                (into.*member).resize(v.size / 4u);
+                for (std::size_t i = 0; i < v.size / 4u; ++i) (into.*member)[i] = le::f32(at + 4 * i);
+            } else into.*member = le::text(at, v.size - 1u);  // at most size - 1 characters, as written
         },
         v.member);
 }
@@ -75,7 +83,10 @@ void encodeValue(const Value<R>& v, const R& from, std::uint8_t* at) {
             else if constexpr (std::is_same_v<T, std::int64_t>) le::put64(at, static_cast<std::uint64_t>(from.*member));
             else if constexpr (std::is_same_v<T, float>) le::putF32(at, from.*member);
             else if constexpr (std::is_same_v<T, double>) le::putF64(at, from.*member);
-            else le::putText(at, v.size, from.*member);
+            else if constexpr (std::is_same_v<T, std::vector<float>>) {
+                const std::vector<float>& values = from.*member;  // a short vector leaves the rest as it is
+                for (std::size_t i = 0; i < v.size / 4u && i < values.size(); ++i) le::putF32(at + 4 * i, values[i]);
+            } else le::putText(at, v.size, from.*member);
         },
         v.member);
 }
