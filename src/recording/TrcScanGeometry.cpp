@@ -8,7 +8,8 @@ long ScanGeometry::channelIndex(ScanPart part, long number) const {
     const std::vector<std::uint8_t>& flags = part == ScanPart::Input ? inputUsed : tachoUsed;
     const std::int64_t k = part == ScanPart::Input ? number : number - totalInputs();
     if (k < 1 || k > static_cast<std::int64_t>(flags.size()) || !flags[static_cast<std::size_t>(k - 1)]) return -1;
-    const long index = static_cast<long>(std::count_if(flags.begin(), flags.begin() + (k - 1), [](std::uint8_t f) { return f != 0; }));
+    const long index =
+        static_cast<long>(std::count_if(flags.begin(), flags.begin() + (k - 1), [](std::uint8_t f) { return f != 0; }));
     // A list that marks more channels used than the setup counts has no room for the extra ones.
     return index < used(part) ? index : -1;
 }

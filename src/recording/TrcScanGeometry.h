@@ -17,8 +17,8 @@ namespace nvdl::trc {
 enum class ScanPart { Input, Tacho };
 
 struct ScanGeometry {
-    std::int64_t sampleBytes = 4;   // 2 for 16-bit integer samples, 4 for float samples
-    std::int64_t blocksize = 0;     // samples per channel and scan
+    std::int64_t sampleBytes = 4;  // 2 for 16-bit integer samples, 4 for float samples
+    std::int64_t blocksize = 0;    // samples per channel and scan
     std::int64_t usedInputs = 0;
     std::int64_t usedTachos = 0;
     std::int64_t scans = 0;         // scans recorded

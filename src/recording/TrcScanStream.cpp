@@ -88,9 +88,7 @@ int ScanStream::WriteChannel(long number, std::int64_t position, const unsigned 
     return moveChannel(number, position, buffer, count);
 }
 
-int ScanStream::ReadScan(long scan, unsigned char* buffer, std::int64_t count) {
-    return moveScan(scan, buffer, count);
-}
+int ScanStream::ReadScan(long scan, unsigned char* buffer, std::int64_t count) { return moveScan(scan, buffer, count); }
 
 int ScanStream::WriteScan(long scan, const unsigned char* buffer, std::int64_t count) {
     return moveScan(scan, buffer, count);

@@ -17,7 +17,9 @@ class CTrcScanInfo;
 class ScanStream {
 public:
     ScanStream(CTrcFile* file, const ScanGeometry& geometry, ScanPart part)
-        : m_file(file), m_g(geometry), m_part(part) {}
+        : m_file(file),
+          m_g(geometry),
+          m_part(part) {}
 
     // `count` samples of the channel with 1-based number `number`, from sample `position` of the
     // recording on.
