@@ -39,7 +39,9 @@ public:
     Item* GetItem(long index0) const;
     int RemoveAll();  // from the last channel to the first
 
-    std::int64_t GetSectionSize() override { return tocSize(GetTotalChannels()) + Item::kBlockSize * GetTotalChannels(); }
+    std::int64_t GetSectionSize() override {
+        return tocSize(GetTotalChannels()) + Item::kBlockSize * GetTotalChannels();
+    }
     CTrcTableManagment* GetToc() override { return &m_toc; }
     // Gives each channel its offset behind the table and its numbered name, and rebuilds the table.
     int UpdateTocSections();

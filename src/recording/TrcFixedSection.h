@@ -81,7 +81,11 @@ public:
         return 1;
     }
 
+    // The block as a whole, with the table that lays it out (for copying between setups and for
+    // checking a block field by field).
     const R& GetBlock() const { return m_block; }
+    void SetBlock(const R& block) { m_block = block; }
+    std::span<const record::Field<R, 1>> GetFields() const { return m_shape.fields; }
 
 protected:
     explicit TrcFixedSection(const BlockShape<R>& shape) : m_shape(shape) { Init(); }
