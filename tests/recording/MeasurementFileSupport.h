@@ -75,11 +75,14 @@ inline std::string textValue(int seed, std::size_t row, int size) {
 
 // Sets every field of the header to a value of its own, then the curve's shape.
 inline void fillHeader(H& h, int seed, const Curve& c) {
-    for (std::size_t i = 0; i < std::size(kTextRows); ++i)
-        (h.*kTextRows[i].set)(textValue(seed, i, kTextRows[i].size).c_str());
-    for (std::size_t i = 0; i < std::size(kNumberRows); ++i) (h.*kNumberRows[i].set)(seed * 100 + static_cast<long>(i));
-    for (std::size_t i = 0; i < std::size(kIntRows); ++i) (h.*kIntRows[i].set)(seed + static_cast<int>(i));
-    for (std::size_t i = 0; i < std::size(kFloatRows); ++i) (h.*kFloatRows[i].set)(floatValue(seed, i));
+    std::size_t i = 0;
+    for (const TextRow& r : kTextRows) (h.*r.set)(textValue(seed, i++, r.size).c_str());
+    i = 0;
+    for (const NumberRow& r : kNumberRows) (h.*r.set)(seed * 100 + static_cast<long>(i++));
+    i = 0;
+    for (const IntRow& r : kIntRows) (h.*r.set)(seed + static_cast<int>(i++));
+    i = 0;
+    for (const FloatRow& r : kFloatRows) (h.*r.set)(floatValue(seed, i++));
     h.SetMeasurementTime(38000.5 + seed);
     h.SetSize(c.size);
     h.SetComplex(c.complex);
