@@ -66,7 +66,7 @@ TEST(TrcMeasurements, DamagedFilesFailWithoutCrashing) {
     }
 }
 
-TEST(TrcMeasurements, WriteNeedsTheLayoutItWasGiven) {
+TEST(TrcMeasurements, WritingAgainClearsTheValuesAndNeedsTheSameLayout) {
     nvdl::test::TempDir dir;
     const std::string name = dir.file("w.trc").string();
     writeFile(name, kTwo);
@@ -78,7 +78,10 @@ TEST(TrcMeasurements, WriteNeedsTheLayoutItWasGiven) {
     list.Init(&file, &root);
     list.SetSectionIndex(0);
     ASSERT_TRUE(list.Read(-1));
-    EXPECT_TRUE(list.Write());  // the same layout again
+    EXPECT_TRUE(list.Write());  // the same layout again: the curves' room is filled with zeros
+    float f = 1;
+    EXPECT_TRUE(list.GetItem(0)->GetData().GetY().ReadImag(5, &f, 1));
+    EXPECT_EQ(f, 0.0f);
     list.GetItem(1)->GetHeader().SetSize(1);  // smaller than when the layout was made
     list.UpdateTocSections();
     EXPECT_FALSE(list.Write());
