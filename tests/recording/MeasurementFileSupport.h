@@ -4,12 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <fstream>
-#include <memory>
-#include <string>
 #include <vector>
 
+#include "../platform/TempDir.h"
 #include "recording/TrcFile.h"
 #include "recording/TrcMeasurements.h"
 
@@ -20,16 +18,8 @@ using H = CTrcMeasurementHeaderSection;
 
 constexpr std::int64_t T(std::int64_t n) { return 96 + 168 * n; }
 
-struct Curve {
-    long size;
-    int complex;
-    long axis;
-    int params;
-};
-struct Meas {
-    Curve curve;
-    std::vector<Curve> subs;
-};
+struct Curve { long size; int complex; long axis; int params; };
+struct Meas { Curve curve; std::vector<Curve> subs; };
 
 inline std::int64_t headerBytes(const Curve& c) { return 5080 + T(1) + T(c.params) + 460 * c.params; }
 inline std::int64_t xBytes(const Curve& c) { return c.axis >= 1102 && c.axis <= 1104 ? 4 * c.size : 0; }
@@ -40,81 +30,63 @@ inline std::int64_t subsBytes(const Meas& m) {
     return size;
 }
 
-// Every field of the header block: its offset and its accessors.
-struct TextRow { int offset, size; void (H::*set)(const char*); };
-struct NumberRow { int offset, size; void (H::*set)(long); long (H::*get)() const; };  // 2- and 4-byte integers
-struct IntRow { int offset; void (H::*set)(int); int (H::*get)() const; };
-struct FloatRow { int offset; void (H::*set)(float); };
-inline const TextRow kTextRows[] = {
-    {4, 50, &H::SetName}, {66, 50, &H::SetResponse}, {118, 50, &H::SetReference}, {184, 50, &H::SetXDimension},
-    {248, 50, &H::SetYDimension}, {336, 50, &H::SetTestId}, {386, 50, &H::SetFunctionQualifier},
-    {436, 50, &H::SetAcousticWeighting}, {486, 50, &H::SetEnvironment}, {536, 100, &H::SetUserId},
-    {672, 50, &H::SetStorageUnitX}, {722, 50, &H::SetStorageUnitY}, {2904, 50, &H::SetClsidLoader},
-    {2954, 50, &H::SetChannelFileID}, {3024, 50, &H::SetZDimension}, {3080, 10, &H::SetSoftwareRevision}};
-inline const NumberRow kNumberRows[] = {
-    {56, 4, &H::SetFunctionType, &H::GetFunctionType}, {64, 2, &H::SetResponseChannel, &H::GetResponseChannel},
-    {116, 2, &H::SetReferenceChannel, &H::GetReferenceChannel}, {168, 4, &H::SetXAxisType, &H::GetXAxisType},
-    {236, 4, &H::SetSize, &H::GetSize}, {300, 4, &H::SetAveragingType, &H::GetAveragingType},
-    {308, 4, &H::SetAverages, &H::GetAverages}, {316, 4, &H::SetWindowType, &H::GetWindowType},
-    {664, 4, &H::SetPower, &H::GetPower}, {668, 4, &H::SetOverload, &H::GetOverload},
-    {3020, 4, &H::SetFileSamples, &H::GetFileSamples}, {3076, 4, &H::SetUsage, &H::GetUsage}};
-inline const IntRow kIntRows[] = {{240, &H::SetComplex, &H::GetComplex},
-                                  {3004, &H::SetIsUncompleted, &H::GetIsUncompleted},
-                                  {3008, &H::SetIsUsefullData, &H::GetIsUsefullData},
-                                  {3016, &H::SetCheckOnUnicId, &H::GetCheckOnUnicId}};
-inline const FloatRow kFloatRows[] = {
-    {172, &H::SetXStart}, {176, &H::SetXIncrement}, {304, &H::SetAveragingParameter}, {312, &H::SetOverlap},
-    {320, &H::SetWindowParameter}, {640, &H::SetOrder}, {644, &H::SetRPM}, {648, &H::SetZ},
-    {660, &H::SetBandwidthCorrectionFactor}, {3012, &H::SetCompressionFactor}};
-constexpr int kTimeOffset = 328;
+// Every field of the header block: its offset, its size (for texts and 16-bit integers), its accessors.
+template <class V, class G = V>
+struct Row { int offset, size; void (H::*set)(V); G (H::*get)() const; };
+#define NVDL_ROW(offset, size, name) {offset, size, &H::Set##name, &H::Get##name}
+inline const Row<const char*> kTextRows[] = {
+    NVDL_ROW(4, 50, Name), NVDL_ROW(66, 50, Response), NVDL_ROW(118, 50, Reference), NVDL_ROW(184, 50, XDimension),
+    NVDL_ROW(248, 50, YDimension), NVDL_ROW(336, 50, TestId), NVDL_ROW(386, 50, FunctionQualifier),
+    NVDL_ROW(436, 50, AcousticWeighting), NVDL_ROW(486, 50, Environment), NVDL_ROW(536, 100, UserId),
+    NVDL_ROW(672, 50, StorageUnitX), NVDL_ROW(722, 50, StorageUnitY), NVDL_ROW(2904, 50, ClsidLoader),
+    NVDL_ROW(2954, 50, ChannelFileID), NVDL_ROW(3024, 50, ZDimension), NVDL_ROW(3080, 10, SoftwareRevision)};
+inline const Row<long> kNumberRows[] = {
+    NVDL_ROW(56, 4, FunctionType), NVDL_ROW(64, 2, ResponseChannel), NVDL_ROW(116, 2, ReferenceChannel),
+    NVDL_ROW(168, 4, XAxisType), NVDL_ROW(236, 4, Size), NVDL_ROW(300, 4, AveragingType), NVDL_ROW(308, 4, Averages),
+    NVDL_ROW(316, 4, WindowType), NVDL_ROW(664, 4, Power), NVDL_ROW(668, 4, Overload), NVDL_ROW(3020, 4, FileSamples),
+    NVDL_ROW(3076, 4, Usage)};
+inline const Row<int> kIntRows[] = {NVDL_ROW(240, 4, Complex), NVDL_ROW(3004, 4, IsUncompleted),
+                                    NVDL_ROW(3008, 4, IsUsefullData), NVDL_ROW(3016, 4, CheckOnUnicId)};
+inline const Row<float> kFloatRows[] = {
+    NVDL_ROW(172, 4, XStart), NVDL_ROW(176, 4, XIncrement), NVDL_ROW(304, 4, AveragingParameter),
+    NVDL_ROW(312, 4, Overlap), NVDL_ROW(320, 4, WindowParameter), NVDL_ROW(640, 4, Order), NVDL_ROW(644, 4, RPM),
+    NVDL_ROW(648, 4, Z), NVDL_ROW(660, 4, BandwidthCorrectionFactor), NVDL_ROW(3012, 4, CompressionFactor)};
+#undef NVDL_ROW
 
-inline float floatValue(int seed, std::size_t row) { return static_cast<float>(seed) + 0.25f * (row + 1); }
-inline std::string textValue(int seed, std::size_t row, int size) {
-    return std::string(size + 3, static_cast<char>('A' + (seed + row) % 26));  // longer than the field
-}
-
-// Sets every field of the header to a value of its own, then the curve's shape.
+// Sets every field of the header to a value of its own (texts longer than their fields), then the
+// curve's shape.
 inline void fillHeader(H& h, int seed, const Curve& c) {
-    std::size_t i = 0;
-    for (const TextRow& r : kTextRows) (h.*r.set)(textValue(seed, i++, r.size).c_str());
-    i = 0;
-    for (const NumberRow& r : kNumberRows) (h.*r.set)(seed * 100 + static_cast<long>(i++));
-    i = 0;
-    for (const IntRow& r : kIntRows) (h.*r.set)(seed + static_cast<int>(i++));
-    i = 0;
-    for (const FloatRow& r : kFloatRows) (h.*r.set)(floatValue(seed, i++));
+    int k = seed * 100;
+    for (const auto& r : kTextRows) (h.*r.set)(std::string(r.size + 3, static_cast<char>('A' + k++ % 26)).c_str());
+    for (const auto& r : kNumberRows) (h.*r.set)(k++);
+    for (const auto& r : kIntRows) (h.*r.set)(k++);
+    for (const auto& r : kFloatRows) (h.*r.set)(0.25f * static_cast<float>(k++));
     h.SetMeasurementTime(38000.5 + seed);
     h.SetSize(c.size);
     h.SetComplex(c.complex);
     h.SetXAxisType(c.axis);
-    for (int p = 0; p < c.params; ++p) {
-        auto parameter = std::make_unique<CTrcParameterSection>();
-        parameter->SetName(("p" + std::to_string(seed * 10 + p)).c_str());
-        h.GetParameters().Add(std::move(parameter));
-    }
+    for (int p = 0; p < c.params; ++p) h.GetParameters().Add(std::make_unique<CTrcParameterSection>());
 }
 
 // The value at `i` of part `part` (0 X, 1 real, 2 imaginary) of the curve with `seed`.
 inline float valueAt(int seed, int part, std::int64_t i) { return static_cast<float>(seed * 100000 + part * 10000 + i); }
-
-// Writes the curve's values in two pieces, so that positions other than 0 are used.
-inline void fillCurve(CTrcMeasurementDataSection& data, int seed, const Curve& c) {
-    for (int part = 0; part < 3; ++part) {
-        if ((part == 0 && !xBytes(c)) || (part == 2 && !c.complex)) continue;
-        std::vector<float> v(c.size);
-        for (long i = 0; i < c.size; ++i) v[i] = valueAt(seed, part, i);
-        const long half = c.size / 2;
-        for (auto [from, n] : {std::pair{0L, half}, std::pair{half, c.size - half}}) {
-            if (n == 0) continue;
-            const int done = part == 0   ? data.GetX().Write(from, &v[from], n)
-                             : part == 1 ? data.GetY().WriteReal(from, &v[from], n)
-                                         : data.GetY().WriteImag(from, &v[from], n);
-            EXPECT_TRUE(done) << seed << " part " << part << " at " << from;
-        }
-    }
+inline bool stored(const Curve& c, int part) { return part == 1 || (part == 0 && xBytes(c)) || (part == 2 && c.complex); }
+inline int move(CTrcMeasurementDataSection& d, int part, bool write, std::int64_t at, float* v, std::int64_t n) {
+    if (write) return part == 0 ? d.GetX().Write(at, v, n) : part == 1 ? d.GetY().WriteReal(at, v, n) : d.GetY().WriteImag(at, v, n);
+    return part == 0 ? d.GetX().Read(at, v, n) : part == 1 ? d.GetY().ReadReal(at, v, n) : d.GetY().ReadImag(at, v, n);
 }
 
-inline int subSeed(int m, std::size_t s) { return 10 * (m + 1) + static_cast<int>(s) + 1; }
+// Calls `f(item, seed, curve)` for every measurement and sub-measurement of a list built from `specs`.
+template <class F>
+void forEachCurve(CTrcMeasurementsSection& list, const std::vector<Meas>& specs, F f) {
+    for (std::size_t m = 0; m < specs.size(); ++m) {
+        CTrcMeasurementSection& meas = *list.GetItem(static_cast<long>(m));
+        f(static_cast<CTrcMeasurementBase&>(meas), static_cast<int>(10 * (m + 1)), specs[m].curve);
+        for (std::size_t s = 0; s < specs[m].subs.size(); ++s)
+            f(static_cast<CTrcMeasurementBase&>(*meas.GetMeasurements().GetItem(static_cast<long>(s))),
+              static_cast<int>(10 * (m + 1) + s + 1), specs[m].subs[s]);
+    }
+}
 
 // The root of a file stand-in: a table with the list's entry at 0, the list right behind it.
 class Root final : public CTrcBaseSection {
@@ -125,7 +97,8 @@ public:
     CTrcMeasurementsSection* list = nullptr;
 };
 
-// Writes a file with one measurements list of these measurements, values included.
+// Writes a file with one measurements list of these measurements, and their values in two pieces
+// each, so that positions other than 0 are used.
 inline void writeFile(const std::string& name, const std::vector<Meas>& specs) {
     CTrcFile file;
     ASSERT_TRUE(file.Create(name.c_str(), 0));
@@ -133,28 +106,26 @@ inline void writeFile(const std::string& name, const std::vector<Meas>& specs) {
     CTrcMeasurementsSection list;
     root.list = &list;
     list.Init(&file, &root);
-    for (std::size_t m = 0; m < specs.size(); ++m) {
+    for (const Meas& m : specs) {
         auto meas = std::make_unique<CTrcMeasurementSection>();
-        fillHeader(meas->GetHeader(), static_cast<int>(m) + 1, specs[m].curve);
-        for (std::size_t s = 0; s < specs[m].subs.size(); ++s) {
-            auto sub = std::make_unique<CTrcSubMeasurementSection>();
-            fillHeader(sub->GetHeader(), subSeed(static_cast<int>(m), s), specs[m].subs[s]);
-            meas->GetMeasurements().Add(std::move(sub));
-        }
-        ASSERT_TRUE(list.Add(std::move(meas)));
+        for (std::size_t s = 0; s < m.subs.size(); ++s) meas->GetMeasurements().Add(std::make_unique<CTrcSubMeasurementSection>());
+        list.Add(std::move(meas));
     }
+    forEachCurve(list, specs, [](CTrcMeasurementBase& item, int seed, const Curve& c) { fillHeader(item.GetHeader(), seed, c); });
     list.SetSectionOffset(T(1));
-    ASSERT_TRUE(list.UpdateTocSections());
-    ASSERT_TRUE(root.toc.Add(list));
-    ASSERT_TRUE(file.Seek(0, 0) && root.toc.Write(&file, &root));
-    ASSERT_TRUE(list.Write());
-    for (std::size_t m = 0; m < specs.size(); ++m) {
-        CTrcMeasurementSection& meas = *list.GetItem(static_cast<long>(m));
-        fillCurve(meas.GetData(), static_cast<int>(m) + 1, specs[m].curve);
-        for (std::size_t s = 0; s < specs[m].subs.size(); ++s)
-            fillCurve(meas.GetMeasurements().GetItem(static_cast<long>(s))->GetData(), subSeed(static_cast<int>(m), s),
-                      specs[m].subs[s]);
-    }
+    ASSERT_TRUE(list.UpdateTocSections() && root.toc.Add(list));
+    ASSERT_TRUE(file.Seek(0, 0) && root.toc.Write(&file, &root) && list.Write());
+    forEachCurve(list, specs, [](CTrcMeasurementBase& item, int seed, const Curve& c) {
+        std::vector<float> v(c.size);
+        for (int part = 0; part < 3; ++part) {
+            for (long i = 0; i < c.size; ++i) v[i] = valueAt(seed, part, i);
+            for (auto [from, n] : {std::pair{0L, c.size / 2}, std::pair{c.size / 2, c.size - c.size / 2}}) {
+                if (stored(c, part) && n) {
+                    EXPECT_TRUE(move(item.GetData(), part, true, from, &v[from], n)) << seed;
+                }
+            }
+        }
+    });
 }
 
 // A file opened read only with its root table read, ready for the list's Read.
@@ -163,8 +134,8 @@ struct Opened {
     Root root;
     CTrcMeasurementsSection list;
     int opened = 0;
-    explicit Opened(const std::string& name) {
-        opened = file.Open(name.c_str()) && root.toc.Read(&file);
+    explicit Opened(const std::string& name, bool writable = false) {
+        opened = (writable ? file.ReOpen(name.c_str()) : file.Open(name.c_str())) && root.toc.Read(&file);
         list.Init(&file, &root);
         list.SetSectionIndex(0);
     }
@@ -178,4 +149,11 @@ inline void saveBytes(const std::string& name, const std::vector<unsigned char>&
     std::ofstream(name, std::ios::binary | std::ios::trunc).write(reinterpret_cast<const char*>(b.data()), b.size());
 }
 
+struct Fixture : ::testing::Test {
+    TempDir dir;
+    const std::string name = dir.file("m.trc").string();
+};
+
 }  // namespace nvdl::test::trcmeas
+
+using TrcMeasurements = nvdl::test::trcmeas::Fixture;
