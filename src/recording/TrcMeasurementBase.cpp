@@ -13,10 +13,7 @@ int CTrcMeasurementBase::Reset(SectionType type) {
     return m_header.Init();
 }
 
-int CTrcMeasurementBase::Attach(CTrcFile* file) {
-    m_file = file;
-    return m_data.InternInit(file, this, &m_header);
-}
+int CTrcMeasurementBase::Attach(CTrcFile* file) { return m_data.InternInit(file, this, &m_header); }
 
 std::int64_t CTrcMeasurementBase::GetDataZoneSize() {
     CTrcSubMeasurementsSection* subs = SubMeasurements();

@@ -25,7 +25,9 @@ public:
     std::int64_t GetMainHeaderSize() const { return tocSize(m_parts); }
     // What this measurement puts in its list's data zone: its data, then its sub-measurements.
     std::int64_t GetDataZoneSize();
-    std::int64_t GetSectionSize() override { return GetMainHeaderSize() + m_header.GetSectionSize() + GetDataZoneSize(); }
+    std::int64_t GetSectionSize() override {
+        return GetMainHeaderSize() + m_header.GetSectionSize() + GetDataZoneSize();
+    }
     CTrcTableManagment* GetToc() override { return &m_toc; }
 
     // Places the parts from the header and data offsets that the list gave this measurement.
@@ -36,11 +38,10 @@ public:
 
 protected:
     explicit CTrcMeasurementBase(long parts) : m_parts(parts) {}
-    int Reset(SectionType type);    // a fresh header and table; the data is reset by the kind
-    int Attach(CTrcFile* file);     // the file and the header's owner, layout kept
+    int Reset(SectionType type);  // a fresh header and table; the data is reset by the kind
+    int Attach(CTrcFile* file);   // the data's file, parent and header; the layout is kept
     virtual CTrcSubMeasurementsSection* SubMeasurements() { return nullptr; }
 
-    CTrcFile* m_file = nullptr;
     CTrcTableManagment m_toc;
     CTrcMeasurementHeaderSection m_header;
     CTrcMeasurementDataSection m_data;

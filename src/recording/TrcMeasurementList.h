@@ -46,7 +46,7 @@ public:
     int InternRead(CTrcFile* file, long index);
 
 protected:
-    int Reset(SectionType type, const char* name);  // empty and unread
+    int Reset(SectionType type, const char* name);       // empty and unread
     int Attach(CTrcFile* file, CTrcBaseSection* owner);  // new pointers for the list and its children
 
     CTrcFile* m_file = nullptr;
