@@ -20,15 +20,15 @@ asan_lib="$(gcc -print-file-name=libasan.so) $(gcc -print-file-name=libstdc++.so
 
 # Short fuzzing runs of the file readers, each on a copy of its seed corpus (clang with libFuzzer):
 # the compound-file layer, the setup readers, the workspace and project file readers, the zip
-# bundle reader and data blocks share the minute.
+# bundle reader, data blocks and recordings share the minute.
 CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DNVDL_FUZZ=ON -DNVDL_PYTHON=OFF -DNVDL_BENCH=OFF >/dev/null
-for target in compound:fuzz_compound_reader setup:fuzz_setup_reader wkd:fuzz_wkd_reader zip:fuzz_zip_reader vpj:fuzz_vpj_reader datablock:fuzz_datablock_reader; do
+for target in compound:fuzz_compound_reader setup:fuzz_setup_reader wkd:fuzz_wkd_reader zip:fuzz_zip_reader vpj:fuzz_vpj_reader datablock:fuzz_datablock_reader trc:fuzz_trc_reader; do
   corpus_name=${target%%:*}
   fuzzer=${target#*:}
   cmake --build build-fuzz --target "$fuzzer" -j "$jobs"
   fuzz_corpus=$(mktemp -d)
   cp fuzz/corpus/"$corpus_name"/* "$fuzz_corpus"/
-  build-fuzz/fuzz/"$fuzzer" -max_total_time=10 -rss_limit_mb=2048 "$fuzz_corpus"
+  build-fuzz/fuzz/"$fuzzer" -max_total_time=8 -rss_limit_mb=2048 "$fuzz_corpus"
   rm -rf "$fuzz_corpus"
 done

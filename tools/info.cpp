@@ -3,7 +3,10 @@
 // (inputs first, then tachos numbered behind them; used 0/1 and the range its 16-bit samples
 // span) and one per stored measurement (function type code, values per curve, sub-measurements).
 // Only tables and headers are read. Workspace and project files get the listing of `nvdl ls`.
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 #include "commands.h"
@@ -19,15 +22,20 @@ namespace nvdl::tool {
 
 namespace {
 
-// Compound files (workspaces, projects) begin with this signature; recordings with their version.
-bool isCompoundFile(const char* path) {
-    static const unsigned char kSignature[8] = {0xD0, 0xCF, 0x11, 0xE0, 0xA1, 0xB1, 0x1A, 0xE1};
-    unsigned char head[8] = {};
+// The first bytes of the file: compound files (workspaces, projects) begin with a signature,
+// recordings with their version. False when the file cannot be read.
+bool readHead(const char* path, unsigned char (&head)[8]) {
     std::FILE* f = std::fopen(path, "rb");
     if (!f) return false;
-    const bool whole = std::fread(head, 1, 8, f) == 8;
+    std::memset(head, 0, sizeof head);
+    std::fread(head, 1, sizeof head, f);
     std::fclose(f);
-    return whole && std::equal(head, head + 8, kSignature);
+    return true;
+}
+
+bool isCompoundFile(const unsigned char (&head)[8]) {
+    static const unsigned char kSignature[8] = {0xD0, 0xCF, 0x11, 0xE0, 0xA1, 0xB1, 0x1A, 0xE1};
+    return std::equal(head, head + 8, kSignature);
 }
 
 std::string number(double v) {
@@ -52,7 +60,9 @@ int info(int argc, char** argv) {
         return 2;
     }
     const char* path = argv[0];
-    if (isCompoundFile(path)) return ls(argc, argv);
+    unsigned char head[8];
+    if (!readHead(path, head)) return fail(path, std::strerror(errno));
+    if (isCompoundFile(head)) return ls(argc, argv);
 
     trc::CTrc recording;
     if (!recording.Open(narrow(utf8ToUtf16(path)).c_str())) return fail(path, "not a readable recording");
