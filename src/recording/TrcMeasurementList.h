@@ -60,9 +60,4 @@ private:
     int m_isRead = 0;
 };
 
-class CTrcMeasurementSection;
-class CTrcSubMeasurementSection;
-extern template class CTrcMeasurementList<CTrcMeasurementSection>;
-extern template class CTrcMeasurementList<CTrcSubMeasurementSection>;
-
 }  // namespace nvdl::trc

@@ -7,6 +7,9 @@
 
 namespace nvdl::trc {
 
+// Built once, in the list's own source file.
+extern template class CTrcMeasurementList<CTrcMeasurementSection>;
+
 class CTrcMeasurementsSection final : public CTrcMeasurementList<CTrcMeasurementSection> {
 public:
     CTrcMeasurementsSection() { Init(nullptr, nullptr); }

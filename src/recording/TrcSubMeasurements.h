@@ -8,6 +8,9 @@
 
 namespace nvdl::trc {
 
+// Built once, in the list's own source file.
+extern template class CTrcMeasurementList<CTrcSubMeasurementSection>;
+
 class CTrcMeasurementSection;
 
 class CTrcSubMeasurementsSection final : public CTrcMeasurementList<CTrcSubMeasurementSection> {
