@@ -215,7 +215,6 @@ void roundTrip(CSetup& from, CSetup& to, trc::CTrcSetupSection& section) {
     trc::CTrcSetupSection read;
     ASSERT_TRUE(trc::test::readSetup(name, read));
     ASSERT_TRUE(buildSetup(read, to));
-    read.Copy(section);
 }
 
 TEST(TrcSetupMapping, EveryPairedFieldComesBackFromTheFile) {
@@ -229,6 +228,12 @@ TEST(TrcSetupMapping, EveryPairedFieldComesBackFromTheFile) {
     EXPECT_EQ(section.GetProcessing().GetMaxAverageNumber(), section.GetProcessing().GetAverageNumber());
     fillAll(expected.get());
     forgetUnpaired(expected.get());
+    SetupObject direct;
+    ASSERT_TRUE(buildSetup(section, direct.get()));
+    expectSameSetup(direct.get(), expected.get());
+    // A stored setup's table has no room for the strain list's entry, so strains do not come back
+    // from a file.
+    ASSERT_TRUE(SUCCEEDED(collectionOf(expected.get(), &CSetup::get_StrainChannels)->Clear()));
     expectSameSetup(built.get(), expected.get());
 }
 
