@@ -1,6 +1,5 @@
 // A setup carried into a recording's setup section, through a file, and back into a new setup.
 #include <gtest/gtest.h>
-
 #include <tuple>
 
 #include "../recording/TrcSetupSupport.h"
@@ -35,13 +34,6 @@ struct Single {
     using Object = C;
     static C& in(CSetup& setup) { return *sectionOf<C>(setup, Get); }
 };
-using Singles =
-    std::tuple<Single<CAcquisition, &CSetup::get_Acquisition>, Single<CProcessing, &CSetup::get_Processing>,
-               Single<CThroughput, &CSetup::get_Throughput>, Single<CPostProcessing, &CSetup::get_PostProcessing>,
-               Single<COctave, &CSetup::get_Octave>, Single<CResampling, &CSetup::get_Resampling>,
-               Single<CSteppedSine, &CSetup::get_SteppedSine>, Single<CShockCapture, &CSetup::get_ShockCapture>,
-               Single<CRpm, &CSetup::get_Rpm>, Single<CSinRed, &CSetup::get_SinRed>>;
-
 using AcquisitionOf = Single<CAcquisition, &CSetup::get_Acquisition>;
 using ProcessingOf = Single<CProcessing, &CSetup::get_Processing>;
 using ThroughputOf = Single<CThroughput, &CSetup::get_Throughput>;
@@ -49,6 +41,10 @@ using PostProcessingOf = Single<CPostProcessing, &CSetup::get_PostProcessing>;
 using SrsOf = Single<CSRS, &CSetup::get_SRS>;
 using ShockOf = Single<CShockCapture, &CSetup::get_ShockCapture>;
 using RpmOf = Single<CRpm, &CSetup::get_Rpm>;
+using Singles =
+    std::tuple<AcquisitionOf, ProcessingOf, ThroughputOf, PostProcessingOf, Single<COctave, &CSetup::get_Octave>,
+               Single<CResampling, &CSetup::get_Resampling>, Single<CSteppedSine, &CSetup::get_SteppedSine>, ShockOf,
+               RpmOf, Single<CSinRed, &CSetup::get_SinRed>>;
 
 template <class C, auto Get>
 struct Items {
