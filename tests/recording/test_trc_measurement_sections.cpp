@@ -85,15 +85,15 @@ int moveValues(CTrcMeasurementDataSection& d, int part, bool write, std::int64_t
     return part == 0 ? d.GetX().Read(at, v, n) : part == 1 ? y.ReadReal(at, v, n) : y.ReadImag(at, v, n);
 }
 
-// Calls `f(item, seed, curve)` for every measurement and sub-measurement of a list built from `specs`.
+// Calls `f(item, seed, curve)` for every measurement and sub-measurement of a list built from `shapes`.
 template <class F>
-void forEachCurve(CTrcMeasurementsSection& list, const std::vector<Meas>& specs, F f) {
-    for (std::size_t m = 0; m < specs.size(); ++m) {
+void forEachCurve(CTrcMeasurementsSection& list, const std::vector<Meas>& shapes, F f) {
+    for (std::size_t m = 0; m < shapes.size(); ++m) {
         CTrcMeasurementSection& meas = *list.GetItem(static_cast<long>(m));
-        f(meas, static_cast<int>(10 * (m + 1)), specs[m].curve);
-        for (std::size_t s = 0; s < specs[m].subs.size(); ++s)
+        f(meas, static_cast<int>(10 * (m + 1)), shapes[m].curve);
+        for (std::size_t s = 0; s < shapes[m].subs.size(); ++s)
             f(*meas.GetMeasurements().GetItem(static_cast<long>(s)), static_cast<int>(10 * (m + 1) + s + 1),
-              specs[m].subs[s]);
+              shapes[m].subs[s]);
     }
 }
 
@@ -108,25 +108,25 @@ public:
 
 // Writes a file with one measurements list of these measurements, and their values in two pieces
 // each, so that positions other than 0 are used.
-void writeFile(const std::string& name, const std::vector<Meas>& specs) {
+void writeFile(const std::string& name, const std::vector<Meas>& shapes) {
     CTrcFile file;
     ASSERT_TRUE(file.Create(name.c_str(), 0));
     Root root;
     CTrcMeasurementsSection list;
     root.list = &list;
     list.Init(&file, &root);
-    for (const Meas& m : specs) {
+    for (const Meas& m : shapes) {
         auto meas = std::make_unique<CTrcMeasurementSection>();
         for (std::size_t s = 0; s < m.subs.size(); ++s)
             meas->GetMeasurements().Add(std::make_unique<CTrcSubMeasurementSection>());
         list.Add(std::move(meas));
     }
-    forEachCurve(list, specs,
+    forEachCurve(list, shapes,
                  [](CTrcMeasurementBase& item, int seed, const Curve& c) { fillHeader(item.GetHeader(), seed, c); });
     list.SetSectionOffset(T(1));
     ASSERT_TRUE(list.UpdateTocSections() && root.toc.Add(list));
     ASSERT_TRUE(file.Seek(0, 0) && root.toc.Write(&file, &root) && list.Write());
-    forEachCurve(list, specs, [](CTrcMeasurementBase& item, int seed, const Curve& c) {
+    forEachCurve(list, shapes, [](CTrcMeasurementBase& item, int seed, const Curve& c) {
         std::vector<float> v(c.size);
         for (int part = 0; part < 3; ++part) {
             for (long i = 0; i < c.size; ++i) v[i] = valueAt(seed, part, i);
