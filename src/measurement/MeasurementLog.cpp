@@ -24,10 +24,10 @@ const char* CMeasurementLog::LogTime() {
     return buffer;
 }
 
-bool CMeasurementLog::Start(const std::string& file, const std::string& title) {
+bool CMeasurementLog::Start(const std::string& file, const std::string& title, bool replace) {
     if (!m_enabled) return false;
     close();
-    m_file = std::fopen(file.c_str(), "r+");
+    if (!replace) m_file = std::fopen(file.c_str(), "r+");
     if (!m_file) m_file = std::fopen(file.c_str(), "w+");
     if (!m_file) return false;
     std::fseek(m_file, 0, SEEK_END);

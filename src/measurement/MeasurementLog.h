@@ -16,9 +16,9 @@ public:
 
     void SetLoggingEnable(bool enable) { m_enabled = enable; }
     bool IsLoggingEnabled() const { return m_enabled; }
-    // Opens `file` for appending (creating it when needed) and writes the title block. False when
-    // logging is off or the file cannot be opened.
-    bool Start(const std::string& file, const std::string& title);
+    // Opens `file` for appending (creating it when needed), or afresh with `replace`, and writes the
+    // title block. False when logging is off or the file cannot be opened.
+    bool Start(const std::string& file, const std::string& title, bool replace = false);
     // Writes one time-stamped line and flushes it.
     void Add(const std::string& text);
     // Writes the closing block and closes the file.

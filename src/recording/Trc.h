@@ -24,7 +24,7 @@ class CTrcRecorderSection;
 class CTrcMeasurementsSection;
 class CTrcTestDefSection;
 
-class CTrc final : public CTrcBaseSection {
+class CTrc : public CTrcBaseSection {
 public:
     CTrc();
     ~CTrc() override;
