@@ -16,12 +16,9 @@
 #include <vector>
 
 #include "access/TrcLogging.h"
+#include "nvdl/IMeasurement.h"
+#include "nvdl/ISetup.h"
 #include "recording/Trc.h"
-
-namespace nvdl {
-struct IMeasurement;
-struct ISetup;
-}  // namespace nvdl
 
 namespace nvdl::access {
 
