@@ -2,12 +2,9 @@
 // recording (its loader's class and the channel's address) and holds the first picture of the data:
 // the whole channel when it fits, else its min/max reduction.
 #include <cstdio>
-#include <cstdlib>
-#include <memory>
 
-#include "access/TrcLoader.h"
+#include "access/TrcMeasurementFill.h"
 #include "frame/ClassTable.h"
-#include "measurement/Measurement.h"
 #include "nvdl/Guid.h"
 #include "platform/CodePage.h"
 #include "project/UnitClient.h"
@@ -18,24 +15,10 @@ namespace nvdl::access {
 
 namespace {
 
-struct FreeArray {
-    void operator()(float* p) const { std::free(p); }
-};
-using Samples = std::unique_ptr<float, FreeArray>;
-
-struct ReleaseMeasurement {
-    void operator()(CMeasurement* m) const { m->Release(); }
-};
-
 std::string translated(CMeasurement& m, LONG code) {
     Bstr text;
     if (FAILED(m.Translate(code, text.out()))) return {};
     return bstrToAnsi(text.get());
-}
-
-HRESULT putText(CMeasurement& m, HRESULT (CMeasurement::*put)(BSTR), std::string_view text) {
-    const Bstr value(text);
-    return (m.*put)(value.get());
 }
 
 HRESULT putVariantText(CMeasurement& m, HRESULT (CMeasurement::*put)(VARIANT), const std::string& text) {
@@ -43,9 +26,7 @@ HRESULT putVariantText(CMeasurement& m, HRESULT (CMeasurement::*put)(VARIANT), c
     return (m.*put)(value);
 }
 
-// The dimension of a unit from the units table; null when the table has none.
-IDimension* dimensionOfUnit(const char* unit) { return DimensionFromText(unit, false); }
-
+// A dimension from the units table into the measurement; false when the table has none.
 bool putDimension(CMeasurement& m, HRESULT (CMeasurement::*put)(IDispatch*), IDimension* dimension) {
     if (!dimension) return false;
     const HRESULT h = (m.*put)(dimension);
@@ -83,7 +64,7 @@ IMeasurement* CTrcLoader::ReadChannelMeasurement(IMeasurement*, long channel) {
     const float frequency = setup.GetAcquisition().GetSampleFrequency();
     if (!(frequency > 0.0f)) return nullptr;
 
-    std::unique_ptr<CMeasurement, ReleaseMeasurement> owned(CMeasurement::createMeasurement());
+    MeasurementRef owned(CMeasurement::createMeasurement());
     if (!owned) return nullptr;
     CMeasurement& m = *owned;
     char address[128];
@@ -109,10 +90,10 @@ IMeasurement* CTrcLoader::ReadChannelMeasurement(IMeasurement*, long channel) {
     m.put_Complex(0);
     putVariantText(m, &CMeasurement::put_XAxisType, translated(m, 1100));
     putText(m, &CMeasurement::put_StorageUnitX, "s");
-    if (!putDimension(m, &CMeasurement::put_XdDimension, dimensionOfUnit("s")))
+    if (!putDimension(m, &CMeasurement::put_XdDimension, DimensionFromText("s", false)))
         putText(m, &CMeasurement::put_XDimension, "Time");
     putText(m, &CMeasurement::put_StorageUnitY, unit);
-    if (!putDimension(m, &CMeasurement::put_YdDimension, dimensionOfUnit(unit.c_str())) &&
+    if (!putDimension(m, &CMeasurement::put_YdDimension, DimensionFromText(unit, false)) &&
         FAILED(putText(m, &CMeasurement::put_YDimension, "Unknown")))
         putText(m, &CMeasurement::put_YDimension, "rad/s");
     putVariantText(m, &CMeasurement::put_AveragingType, translated(m, 1200));
@@ -120,30 +101,7 @@ IMeasurement* CTrcLoader::ReadChannelMeasurement(IMeasurement*, long channel) {
     m.put_CheckOnUnicId(0);
     if (tacho) m.put_RPM(-1.0f);
 
-    if (size > 0) {
-        float* x = nullptr;
-        float* re = nullptr;
-        float* im = nullptr;
-        float factor = 1.0f, range = 0.0f;
-        int uncompleted = 0, useful = 1;
-        long status = 0;
-        if (!ReadCompressed(kind, channel, -1, size, 0, size, &x, &re, &im, &factor, &uncompleted, &useful, &range,
-                            &status))
-            return nullptr;
-        const Samples values(re);
-        std::free(x);
-        std::free(im);
-        if (!values) return nullptr;
-        const long count = GetLongFileFeature() ? static_cast<long>(std::min<std::int64_t>(size, GetMaxBlockSize()))
-                                                : static_cast<long>(size);
-        if (FAILED(m.put_Size(count)) || FAILED(m.put_FileSamples(static_cast<LONG>(size))) ||
-            FAILED(m.SetYValues(0, count, values.get(), nullptr)))
-            return nullptr;
-        m.put_IsUncompleted(uncompleted ? -1 : 0);
-        m.put_IsUsefullData(useful ? -1 : 0);
-        m.put_CompressionFactor(factor);
-        m.put_Overload(status);
-    }
+    if (!fillFirstPicture(*this, m, kind, channel, -1, size)) return nullptr;
     m.put_Modified(0);
     return static_cast<IMeasurement*>(owned.release());
 }

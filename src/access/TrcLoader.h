@@ -108,6 +108,10 @@ public:
     // A measurement of channel `channel` (inputs first, then tachos, from 1) that points into the
     // file, with the first picture of its data; null on failure. `hint` is not used.
     IMeasurement* ReadChannelMeasurement(IMeasurement* hint, long channel);
+    // A stored measurement (from 1) with its header and the first picture of its curves; with a
+    // sub-measurement number (from 1) that sub-measurement instead, -1 for the measurement itself.
+    // Null on failure.
+    IMeasurement* ReadStoredMeasurement(long measurement, long subMeasurement);
     // Reads `count` values of a source from `start` on and hands back at most MaxBlockSize values:
     // the span itself when it fits, else one minimum and one maximum per step. The arrays are the
     // caller's, to be released with free(). `fileSamples` or `count` of zero or less: 1, nothing made.

@@ -109,6 +109,9 @@ private:
     HRESULT CanEditData() const { return m_isUncompleted ? E_FAIL : S_OK; }
     // New vectors of m floats for the vectors the record has, keeping what fits of the old ones.
     HRESULT resizeBlock(LONG m);
+    // A block just read into the vectors: X (when `hasX`) through put_XArray with the block's
+    // incompleteness set aside for the call, then Y through YArray with the Y dimension's text.
+    HRESULT takeBlock(LONG block, std::vector<float>& re, std::vector<float>& im, std::vector<float>& x, bool hasX);
     void blockCopyRange(LONG start, LONG count, LONG& k, LONG& m) const;
     HRESULT copyEngine(CMeasurement& target, bool headerOnly);
     HRESULT sampleAt(const SampleVector& vector, LONG index, float* value);

@@ -113,14 +113,32 @@ HRESULT CMeasurement::InternalReadData(LONG start, LONG count, IStream* stream) 
     return InternalReadFormat(start, count, stream);
 }
 
-// Data of a recording file comes through the recording loader, which this build does not have yet.
-HRESULT CMeasurement::ExternalReadFormat(LONG, LONG) { return E_NOTIMPL; }
-
 IStream* CMeasurement::GetDataStream() {
     return m_dataStream.open({m_locationFile, m_locationInDataStorage, m_locationSubStorage, m_locationStream});
 }
 
 void CMeasurement::CloseDataStream() { m_dataStream.close(); }
+
+HRESULT CMeasurement::takeBlock(LONG block, std::vector<float>& re, std::vector<float>& im, std::vector<float>& x,
+                                bool hasX) {
+    if (hasX) {
+        Variant xArray;
+        if (!toArray(x, xArray)) return E_OUTOFMEMORY;
+        x = {};
+        const LONG uncompleted = m_isUncompleted;
+        m_isUncompleted = 0;
+        HRESULT h = put_XArray(xArray);
+        m_isUncompleted = uncompleted;
+        if (FAILED(h)) return h;
+    }
+    Variant reArray, imArray;
+    if (!toArray(re, reArray) || (m_complex && !toArray(im, imArray))) return E_OUTOFMEMORY;
+    re = {};
+    im = {};
+    Bstr dimension{std::string_view{m_yDimensionText}};
+    if (!dimension.get()) dimension = Bstr(std::string_view("1"));
+    return YArray(&reArray, block, m_complex ? &imArray : nullptr, dimension.get());
+}
 
 HRESULT CMeasurement::InternalReadFormat(LONG start, LONG count, IStream* stream) {
     // Records older than paged reading keep everything in memory.
@@ -192,23 +210,7 @@ HRESULT CMeasurement::InternalReadFormat(LONG start, LONG count, IStream* stream
     const bool hasX = axisHasXVector(m_xAxisType);
     if (hasX && !readRun(first + samples * (m_complex ? 2 : 1), x)) return E_FAIL;
 
-    if (hasX) {
-        Variant xArray;
-        if (!toArray(x, xArray)) return E_OUTOFMEMORY;
-        x = {};
-        const LONG uncompleted = m_isUncompleted;
-        m_isUncompleted = 0;
-        HRESULT h = put_XArray(xArray);
-        m_isUncompleted = uncompleted;
-        if (FAILED(h)) return h;
-    }
-    Variant reArray, imArray;
-    if (!toArray(re, reArray) || (m_complex && !toArray(im, imArray))) return E_OUTOFMEMORY;
-    re = {};
-    im = {};
-    Bstr dimension{std::string_view{m_yDimensionText}};
-    if (!dimension.get()) dimension = Bstr(std::string_view("1"));
-    if (HRESULT h = YArray(&reArray, block, m_complex ? &imArray : nullptr, dimension.get()); FAILED(h)) return h;
+    if (HRESULT h = takeBlock(block, re, im, x, hasX); FAILED(h)) return h;
 
     m_currentBlock = -1;
     if (!m_isUncompleted && n <= block) m_firstBlockRead = 0;

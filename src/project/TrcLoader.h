@@ -1,8 +1,11 @@
-// CTrcLoader: the loader of recording files (".trc"), registered as "nv_bench.io_newtrc".
+// CTrcLoader: the loader of recording files (".trc"), registered as "nv_bench.io_newtrc". Load
+// brings a recording into a workspace: its setup, one measurement per used input and tacho channel
+// pointing into the file, and, when the import of all sections is asked for (the setting
+// "ImportAllTRCFlag" is "1"), the measurements the recorder stored beside the scans. The samples
+// stay in the file and are paged in on demand.
 //
-// Reading and writing recordings comes with the recording file layer, which this module does not
-// have yet: until then the class is registered, found through the settings store like every
-// loader, and its Load and Save answer E_NOTIMPL.
+// The file work is done by access::CTrcLoader, the recording seen from the automation objects; this
+// class is its face in the loader registry.
 #pragma once
 
 #include "frame/ObjectFrame.h"
