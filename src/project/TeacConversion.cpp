@@ -34,6 +34,12 @@ constexpr std::uint64_t kCommitBytes = 0x13FFFFF;
 // The largest block buffer (all channels) that a reader's setup may ask for, in samples.
 constexpr std::int64_t kMaxBufferSamples = std::int64_t{1} << 24;
 
+// Notes the trace step of a failure and hands its status on.
+HRESULT failedAt(std::string& step, const char* at, HRESULT status) {
+    step = at;
+    return status;
+}
+
 struct Acquisition {
     double frequency = 0.0;
     LONG blockSize = 0, samples = 0, channels = 0;
@@ -106,13 +112,13 @@ private:
 
 HRESULT TeacProjectWriter::create(const std::string& target, std::string& step) {
     HRESULT h = createCompoundFile(pathFromAnsi(target), kProjectMode, m_root.out());
-    if (FAILED(h)) return step = "1", h;
-    if (FAILED(h = m_root->SetClass(CLSID_CProject))) return step = "4", h;
-    if (FAILED(h = writeProjectVersion(m_root.get()))) return step = "5", h;
-    if (FAILED(h = m_root->CreateStorage(u"Data", kCreate, 0, 0, m_data.out()))) return step = "6", h;
-    if (FAILED(h = m_data->CreateStorage(u"File 1", kCreate, 0, 0, m_file.out()))) return step = "8A", h;
-    if (FAILED(h = writeWkdHead(m_file.get(), "Workspace1", 0, m_workspace.out()))) return step = "9", h;
-    if (FAILED(h = m_workspace->CreateStorage(u"Blocks", kCreate, 0, 0, m_blocks.out()))) return step = "9", h;
+    if (FAILED(h)) return failedAt(step, "1", h);
+    if (FAILED(h = m_root->SetClass(CLSID_CProject))) return failedAt(step, "4", h);
+    if (FAILED(h = writeProjectVersion(m_root.get()))) return failedAt(step, "5", h);
+    if (FAILED(h = m_root->CreateStorage(u"Data", kCreate, 0, 0, m_data.out()))) return failedAt(step, "6", h);
+    if (FAILED(h = m_data->CreateStorage(u"File 1", kCreate, 0, 0, m_file.out()))) return failedAt(step, "8A", h);
+    if (FAILED(h = writeWkdHead(m_file.get(), "Workspace1", 0, m_workspace.out()))) return failedAt(step, "9", h);
+    if (FAILED(h = m_workspace->CreateStorage(u"Blocks", kCreate, 0, 0, m_blocks.out()))) return failedAt(step, "9", h);
     return S_OK;
 }
 

@@ -81,7 +81,8 @@ TEST_F(TeacConversion, EveryChannelBecomesARecordOfTheOneWorkspace) {
     registerReader(NVDL_TEST_TEAC_READER);
     const struct {
         long channels, samples, block, rate;
-    } rows[] = {{3, 1000, 256, 2048}, {1, 512, 512, 1000}, {4, 70, 64, 500}, {2, 0, 64, 1000}};
+    } rows[] = {{3, 1000, 256, 2048}, {1, 512, 512, 1000}, {4, 70, 64, 500}, {2, 0, 64, 1000},
+                  {1, 5600000, 65536, 48000}};  // passes the byte count of a commit on the way
     for (const auto& row : rows) {
         SCOPED_TRACE(row.channels * 1000000 + row.samples);
         std::ofstream(target_) << "an older file of another kind, replaced";
