@@ -149,6 +149,7 @@ HRESULT CMeasurementBlockWriter::BeginTimeRecord(LONG blocks, LONG blockSize, do
     std::vector<std::uint8_t> header(kBlock1Size + (source ? kBlock2Size : 0), 0);
     MeasurementHeaderRecord r;
     r.tag = source ? kTemplateTag : kTag;
+    r.name = m_name;
     r.functionType = "Time block";
     r.responseChannel = -1;
     r.response = bstrToAnsi(response);

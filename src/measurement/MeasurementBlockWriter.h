@@ -30,6 +30,9 @@ public:
     HRESULT Finish(ICollection* parameters) override;
     HRESULT Close() override;
 
+    // The name that the next BeginTimeRecord writes into the record; empty by default.
+    void SetRecordName(std::string name) { m_name = std::move(name); }
+
     // Tags of the header: without and with a template's paging block.
     static constexpr LONG kTag = 20021112;
     static constexpr LONG kTemplateTag = 20030819;
@@ -53,6 +56,7 @@ private:
     double m_scale = 1.0;
     double m_offset = 0.0;
     double m_calibrationFactor = 1.0;
+    std::string m_name;
 };
 
 }  // namespace nvdl

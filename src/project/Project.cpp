@@ -3,6 +3,7 @@
 #include "frame/ClassTable.h"
 #include "frame/TextChecks.h"
 #include "nvdl/Guid.h"
+#include "nvdl/ITeacReader.h"
 #include "platform/CodePage.h"
 #include "platform/ComPtr.h"
 #include "platform/Host.h"
@@ -14,9 +15,6 @@ namespace nvdl {
 namespace {
 
 const ClassRegistration g_class{{"nv_bench.Project", CLSID_CProject, "Sonvara Project", &CProject::create}};
-
-// The loader of recordings of the TEAC family: files of its class are converted, not loaded.
-constexpr CLSID kTeacLoader{0xF8EACF49, 0xCB67, 0x41bc, {0x8A, 0xC7, 0xF2, 0x8A, 0x7A, 0xB6, 0x15, 0x32}};
 
 HRESULT giveCollection(CObjectCollection& c, ICollection** out) {
     if (!out) return E_POINTER;
@@ -158,14 +156,10 @@ HRESULT CProject::Convert(BSTR source, BSTR target, LONG* count) {
     std::string loaderText;
     CLSID loaderClass = CLSID_NULL;
     if (SUCCEEDED(GetProgIDLoaderFromCLSID(fileClass, loaderText)) && loaderClassOf(loaderText, loaderClass) &&
-        loaderClass == kTeacLoader)
+        loaderClass == CLSID_TeacRecordingReader)
         return ConvertTEACtoVPJ(from, to, count);
     return E_FAIL;
 }
-
-// The converter of recordings of the TEAC family comes with the recording loaders; until they are
-// installed there is nothing to convert with.
-HRESULT CProject::ConvertTEACtoVPJ(const std::string&, const std::string&, LONG*) { return E_NOTIMPL; }
 
 HRESULT CProject::Copy(IProject* source, IProject* target) {
     auto* from = dynamic_cast<CProject*>(CFrameBase::of(source));

@@ -27,6 +27,9 @@ enum class ProjectLayout { Old, Current, Refused };
 // The layout that the Version stream's bytes (at most 50 of them) announce.
 ProjectLayout projectLayoutOf(const std::string& versionBytes);
 
+// Writes the Version storage with its stream: the class tag and the file's tag.
+HRESULT writeProjectVersion(IStorage* root);
+
 // Writes the project's tree into `root`. `message` receives a text for the user when a part cannot
 // be written; `step` the trace step of the failure.
 HRESULT writeProjectTree(IStorage* root, CProject& project, std::string& message, std::string& step);

@@ -40,13 +40,6 @@ HRESULT persistOf(IDispatch* item, const IID& iid, ComPtr<I>& persist) {
     return item->QueryInterface(iid, reinterpret_cast<void**>(persist.out()));
 }
 
-HRESULT writeVersion(IStorage* root) {
-    ComPtr<IStorage> version;
-    HRESULT h = createChild(root, u"Version", version.out());
-    std::string bytes = std::string(kClassTag) + '\0' + kFileTag + '\0';
-    return FAILED(h) ? h : writeSmallStream(version.get(), u"Version", bytes.data(), bytes.size());
-}
-
 HRESULT writeDocuments(IStorage* root, CObjectCollection& documents) {
     if (documents.size() == 0) return S_OK;
     ComPtr<IStorage> storage;
@@ -125,10 +118,17 @@ HRESULT writeSetups(IStorage* root, CObjectCollection& setups) {
 
 }  // namespace
 
+HRESULT writeProjectVersion(IStorage* root) {
+    ComPtr<IStorage> version;
+    HRESULT h = createChild(root, u"Version", version.out());
+    std::string bytes = std::string(kClassTag) + '\0' + kFileTag + '\0';
+    return FAILED(h) ? h : writeSmallStream(version.get(), u"Version", bytes.data(), bytes.size());
+}
+
 HRESULT writeProjectTree(IStorage* root, CProject& project, std::string& message, std::string& step) {
     HRESULT h = root->SetClass(CLSID_CProject);
     if (FAILED(h)) return failedAt(step, "4", h);
-    if (FAILED(h = writeVersion(root))) return failedAt(step, "5", h);
+    if (FAILED(h = writeProjectVersion(root))) return failedAt(step, "5", h);
     if (FAILED(h = writeDocuments(root, project.documents()))) return failedAt(step, "", h);
     if (FAILED(h = writeWorkspaces(root, project.workspaces(), message, step))) return h;
     if (FAILED(h = writeLayouts(root, project.layouts()))) return failedAt(step, "", h);
