@@ -18,10 +18,9 @@
 #include "access/TrcLogging.h"
 #include "recording/Trc.h"
 
-namespace nvdl {
+// The interfaces of the object server stand in the global namespace.
 struct IMeasurement;
 struct ISetup;
-}  // namespace nvdl
 
 namespace nvdl::access {
 
