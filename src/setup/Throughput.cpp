@@ -1,5 +1,6 @@
 #include "setup/Throughput.h"
 
+#include "access/TrcLoader.h"
 #include "frame/ClassTable.h"
 
 namespace nvdl {
@@ -35,5 +36,18 @@ static_assert(section::wellFormed(kLayout));
 }  // namespace
 
 const section::Record<ThroughputFields, 4> CThroughput::kRecord = kLayout;
+
+CThroughput::CThroughput() : CSectionFrame(IID_IThroughput) {}
+
+// The recording setup goes first, then the loader closes its file.
+CThroughput::~CThroughput() {
+    m_recordingSetup.reset();
+    m_loader.reset();
+}
+
+access::CTrcLoader& CThroughput::loader() {
+    if (!m_loader) m_loader = std::make_unique<access::CTrcLoader>();
+    return *m_loader;
+}
 
 }  // namespace nvdl

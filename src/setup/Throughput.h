@@ -1,10 +1,20 @@
 // CThroughput as a section of a setup: the settings of a recording to disk, a record of plain values.
+// As the script's door to recordings it holds one recording loader, the open recording of Open,
+// ReadScan, ReadRPMScan and Close, and the setup of that recording. ReadMeasurement and
+// EstimatedFileSize use loaders of their own, so that they leave the open recording alone.
 #pragma once
 
+#include <cstdint>
+#include <memory>
 #include <string>
 
 #include "nvdl/IThroughput.h"
+#include "platform/ComPtr.h"
 #include "setup/SectionFrame.h"
+
+namespace nvdl::access {
+class CTrcLoader;
+}
 
 namespace nvdl {
 
@@ -25,9 +35,21 @@ public:
     static const section::Record<ThroughputFields, 4> kRecord;
 
     static IDispatch* create() { return (new CThroughput)->dispatch(); }
-    CThroughput() : CSectionFrame(IID_IThroughput) {}
+    CThroughput();
+    ~CThroughput() override;
 
     NVDL_IMPLEMENTS(NVDL_ITHROUGHPUT_MEMBERS)
+
+    // The room on the disk that holds `path`, in bytes: free to the caller, in all, and free in all.
+    // A null or empty path, or one that names nothing on disk, gives 0.
+    static int CheckFreeSpace(const char* path, std::uint64_t* freeToCaller, std::uint64_t* total,
+                              std::uint64_t* free);
+
+private:
+    // Made on first use: most throughput sections of setups never open a recording.
+    access::CTrcLoader& loader();
+    std::unique_ptr<access::CTrcLoader> m_loader;
+    ComPtr<ISetup> m_recordingSetup;  // of the recording opened last
 };
 
 }  // namespace nvdl

@@ -28,6 +28,7 @@ struct InputPlan {
     std::string unit = "V";
     float sensitivity = 1.0f;
     std::string calibrationType = "V/EU";
+    float preGain = 0.0f;
 };
 
 struct StoredPlan {
@@ -80,6 +81,7 @@ inline void fillRecorder(trc::CTrc& trc, const RecordingPlan& plan) {
         input->SetUnit(in.unit.c_str());
         input->SetSensitivity(in.sensitivity);
         input->SetCalibrationType(in.calibrationType.c_str());
+        input->SetPreGain(in.preGain);
         setup.GetInputs().Add(std::move(input));
     }
     for (std::size_t t = 0; t < plan.tachoEndRpm.size(); ++t) {
