@@ -42,7 +42,8 @@ std::string recording(const char* name, float (*signal)(long, std::int64_t)) {
         plan.inputs = {{"a"}};
         plan.sample = signal;
         std::error_code ec;
-        if (std::filesystem::file_size(path, ec) < std::uintmax_t{4} * kSamples && !nvdl::testing::writeRecording(path, plan))
+        const std::uintmax_t size = std::filesystem::file_size(path, ec);
+        if ((ec || size < std::uintmax_t{4} * kSamples) && !nvdl::testing::writeRecording(path, plan))
             std::fprintf(stderr, "cannot write %s\n", path.c_str());
         const auto start = std::chrono::steady_clock::now();
         const long built = BuildMinMaxCaches(path);
@@ -72,10 +73,14 @@ void NoiseWithLoad(benchmark::State& state) {
     reduceWholeChannel(state, recording("nvdl_bench_minmax_noise.trc", noise), true);
 }
 void Ramp(benchmark::State& state) { reduceWholeChannel(state, recording("nvdl_bench_minmax_ramp.trc", ramp), false); }
+void RampWithLoad(benchmark::State& state) {
+    reduceWholeChannel(state, recording("nvdl_bench_minmax_ramp.trc", ramp), true);
+}
 
 BENCHMARK(Noise)->Unit(benchmark::kMillisecond);
 BENCHMARK(NoiseWithLoad)->Unit(benchmark::kMillisecond);
 BENCHMARK(Ramp)->Unit(benchmark::kMillisecond);
+BENCHMARK(RampWithLoad)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
