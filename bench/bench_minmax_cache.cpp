@@ -68,7 +68,9 @@ void reduceWholeChannel(benchmark::State& state, const std::string& path, bool l
     }
 }
 
-void Noise(benchmark::State& state) { reduceWholeChannel(state, recording("nvdl_bench_minmax_noise.trc", noise), false); }
+void Noise(benchmark::State& state) {
+    reduceWholeChannel(state, recording("nvdl_bench_minmax_noise.trc", noise), false);
+}
 void NoiseWithLoad(benchmark::State& state) {
     reduceWholeChannel(state, recording("nvdl_bench_minmax_noise.trc", noise), true);
 }

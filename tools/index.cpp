@@ -27,7 +27,8 @@ int index(int argc, char** argv) {
     }
     int status = 0;
     for (const access::IndexedChannel& c : channels) {
-        const std::string cache = c.written ? pathFromAnsi(access::mmx::cachePath(recording, c.kind, c.channel)).string() : "-";
+        const std::string cache =
+            c.written ? pathFromAnsi(access::mmx::cachePath(recording, c.kind, c.channel)).string() : "-";
         std::printf("%s\t%ld\t%s\t%lld\t%s\n", c.kind == 1 ? "input" : "tacho", c.channel,
                     utf16ToUtf8(widen(c.name)).c_str(), static_cast<long long>(c.scans), cache.c_str());
         if (!c.written) status = 1;

@@ -169,12 +169,13 @@ bool Cache::readEdges() {
         m_values.resize(static_cast<std::size_t>(count));
         if (!m_section->ReadChannel(m_channel, from, m_raw.data(), count)) return false;
         for (std::int64_t i = 0; i < count; ++i)
-            m_values[static_cast<std::size_t>(i)] = m_sampleBytes == 2 ? le::i16(&m_raw[static_cast<std::size_t>(2 * i)])
-                                                                       : le::f32(&m_raw[static_cast<std::size_t>(4 * i)]);
+            m_values[static_cast<std::size_t>(i)] = m_sampleBytes == 2
+                                                        ? le::i16(&m_raw[static_cast<std::size_t>(2 * i)])
+                                                        : le::f32(&m_raw[static_cast<std::size_t>(4 * i)]);
         for (; e < last; ++e) {
             SampleNode& step = m_steps[static_cast<std::size_t>(m_edges[e].step)];
-            floatExtremes(m_values.data() + (m_edges[e].from - from), static_cast<std::size_t>(m_edges[e].to - m_edges[e].from),
-                          step.low, step.high);
+            floatExtremes(m_values.data() + (m_edges[e].from - from),
+                          static_cast<std::size_t>(m_edges[e].to - m_edges[e].from), step.low, step.high);
         }
     }
     return true;

@@ -19,17 +19,10 @@ constexpr const char* kTag = "NVDL min/max";
 constexpr int kCheckAt = 124;
 
 constexpr Field<Header, 1> kHeaderFields[] = {
-    {text(&Header::tag, 16), {0}},
-    {i32(&Header::version), {16}},
-    {i32(&Header::kind), {20}},
-    {i32(&Header::channel), {24}},
-    {i32(&Header::baseShift), {28}},
-    {i64(&Header::blocksize), {32}},
-    {i64(&Header::layoutScans), {40}},
-    {i64(&Header::coveredScans), {48}},
-    {i64(&Header::recordingSize), {56}},
-    {i64(&Header::recordingTime), {64}},
-    {i32(&Header::check), {kCheckAt}},
+    {text(&Header::tag, 16), {0}},       {i32(&Header::version), {16}},      {i32(&Header::kind), {20}},
+    {i32(&Header::channel), {24}},       {i32(&Header::baseShift), {28}},    {i64(&Header::blocksize), {32}},
+    {i64(&Header::layoutScans), {40}},   {i64(&Header::coveredScans), {48}}, {i64(&Header::recordingSize), {56}},
+    {i64(&Header::recordingTime), {64}}, {i32(&Header::check), {kCheckAt}},
 };
 constexpr std::span<const Field<Header, 1>> kHeaderTable{kHeaderFields};
 static_assert(fitsAndDisjoint(kHeaderTable, 0, kHeaderSize));

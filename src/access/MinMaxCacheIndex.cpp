@@ -83,7 +83,8 @@ bool indexRecording(const std::string& recording, std::vector<IndexedChannel>& c
                 if (!source.builder) continue;
                 const unsigned char* at = scan + g.samplesAt(source.part) + source.index * g.blockBytes();
                 for (std::int64_t i = 0; i < g.blocksize; ++i)
-                    values[static_cast<std::size_t>(i)] = g.sampleBytes == 2 ? le::i16(at + 2 * i) : le::f32(at + 4 * i);
+                    values[static_cast<std::size_t>(i)] =
+                        g.sampleBytes == 2 ? le::i16(at + 2 * i) : le::f32(at + 4 * i);
                 trc::CTrcScanInfo info;
                 info.Decode(scan + g.infosAt(source.part) + source.index * trc::ScanGeometry::kInfoBytes);
                 source.builder->AddScan(values.data(), info.GetStatus(), info.GetRange());
@@ -100,7 +101,8 @@ long BuildMinMaxCaches(const std::string& recording) {
     std::vector<IndexedChannel> channels;
     std::string reason;
     if (!indexRecording(recording, channels, reason)) return -1;
-    return static_cast<long>(std::count_if(channels.begin(), channels.end(), [](const IndexedChannel& c) { return c.written; }));
+    return static_cast<long>(
+        std::count_if(channels.begin(), channels.end(), [](const IndexedChannel& c) { return c.written; }));
 }
 
 }  // namespace nvdl::access

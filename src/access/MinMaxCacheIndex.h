@@ -9,9 +9,9 @@
 namespace nvdl::access {
 
 struct IndexedChannel {
-    long kind = 0;     // 1 input, 2 tacho
-    long channel = 0;  // number over all channels, tachos behind the inputs
-    std::string name;  // system code page text
+    long kind = 0;           // 1 input, 2 tacho
+    long channel = 0;        // number over all channels, tachos behind the inputs
+    std::string name;        // system code page text
     std::int64_t scans = 0;  // scans the cache covers
     bool written = false;
 };

@@ -30,7 +30,9 @@ struct SampleNodes {
 struct ScanNodes {
     using Node = ScanNode;
     static Node lift(const Node& n) { return {isOverload(n.status) ? n.status : 0, n.range}; }
-    static Node merge(const Node& a, const Node& b) { return {a.status != 0 ? a.status : b.status, std::fmax(a.range, b.range)}; }
+    static Node merge(const Node& a, const Node& b) {
+        return {a.status != 0 ? a.status : b.status, std::fmax(a.range, b.range)};
+    }
     static void write(const Node& n, std::uint8_t* at) { writeScan(n, at); }
 };
 

@@ -57,7 +57,10 @@ const float kNaN = std::numeric_limits<float>::quiet_NaN();
 const std::pair<const char*, Signal> kSignals[] = {
     {"ramp", [](std::int64_t i) { return static_cast<float>(i % 20000 - 10000); }},
     {"falling", [](std::int64_t i) { return -static_cast<float>(i % 9000); }},
-    {"spikes", [](std::int64_t i) { return (i * 7919 % 1000) * 0.5f + (i % 611 == 17 ? 9000.f : 0) - (i % 457 == 3 ? 8000.f : 0); }},
+    {"spikes",
+     [](std::int64_t i) {
+         return (i * 7919 % 1000) * 0.5f + (i % 611 == 17 ? 9000.f : 0) - (i % 457 == 3 ? 8000.f : 0);
+     }},
     {"nan", [](std::int64_t i) { return i % 13 == 0 ? kNaN : static_cast<float>(i % 29) - 3.5f; }},
     {"huge", [](std::int64_t i) { return 3e9f + static_cast<float>(i % 50) * 1e6f; }},
 };
@@ -70,13 +73,17 @@ RecordingPlan plan(bool floats, long block, long scans, Signal signal) {
     p.inputs = {{"a"}, {"b", 5.0f, false}};
     p.tachoEndRpm = {3000.0f};
     p.sample = [signal](long number, std::int64_t i) { return number == 1 ? signal(i) : signal(i + 77) / 4; };
-    p.status = [](long number, long scan) { return scan == 9 + number ? 1L : scan == 14 ? 2L : scan % 4 == 3 ? 3L : 0L; };
+    p.status = [](long number, long scan) {
+        return scan == 9 + number ? 1L : scan == 14 ? 2L : scan % 4 == 3 ? 3L : 0L;
+    };
     p.range = [](long number, long scan) { return static_cast<float>((scan * 7 + number) % 11) + 18.0f; };
     return p;
 }
 
-void expectSame(CMinMaxCache& cache, const RecordingPlan& p, long number, std::int64_t start, std::int64_t L, long steps) {
-    SCOPED_TRACE(::testing::Message() << "channel " << number << " start " << start << " L " << L << " steps " << steps);
+void expectSame(CMinMaxCache& cache, const RecordingPlan& p, long number, std::int64_t start, std::int64_t L,
+                long steps) {
+    SCOPED_TRACE(::testing::Message() << "channel " << number << " start " << start << " L " << L << " steps "
+                                      << steps);
     const Reduced want = everyValue(p, number, start, L, steps);
     std::vector<StepExtremes> got(static_cast<std::size_t>(steps));
     long status = -7;
@@ -103,7 +110,10 @@ protected:
 };
 
 TEST_F(MinMaxCache, ReduceGivesWhatEveryValueGives) {
-    struct Layout { bool floats; long block, scans; };
+    struct Layout {
+        bool floats;
+        long block, scans;
+    };
     const Layout layouts[] = {{true, 100, 40}, {false, 24, 150}, {true, 64, 20}, {true, 1000, 7}};
     for (const Layout& l : layouts) {
         for (const auto& [name, signal] : kSignals) {
@@ -112,9 +122,17 @@ TEST_F(MinMaxCache, ReduceGivesWhatEveryValueGives) {
             const RecordingPlan p = plan(l.floats, l.block, l.scans, signal);
             const std::string path = make(p);
             const std::int64_t N = l.block * l.scans, B = l.block;
-            const std::int64_t spans[][3] = {{0, N / 40, 40}, {0, N / 2, 2},  {37, 129, 20},     {5, 7, 300},
-                                             {63, 64, 50},    {1, 1, 500},    {130, 1000, 3},    {B + 3, B - 1, 9},
-                                             {B, N - B, 1}, {2 * B + 5, N - 3 * B, 1}, {2 * B + 5, N - 3 * B + 1, 1}};
+            const std::int64_t spans[][3] = {{0, N / 40, 40},
+                                             {0, N / 2, 2},
+                                             {37, 129, 20},
+                                             {5, 7, 300},
+                                             {63, 64, 50},
+                                             {1, 1, 500},
+                                             {130, 1000, 3},
+                                             {B + 3, B - 1, 9},
+                                             {B, N - B, 1},
+                                             {2 * B + 5, N - 3 * B, 1},
+                                             {2 * B + 5, N - 3 * B + 1, 1}};
             for (long number : {1L, 3L}) {
                 auto cache = CMinMaxCache::Load(path, number == 1 ? 1 : 2, number);
                 ASSERT_TRUE(cache);
@@ -133,8 +151,10 @@ TEST_F(MinMaxCache, OverloadStaysAndRangeStartsAtTwenty) {
     StepExtremes out[30];
     long status = 0;
     float range = 0;
-    const struct { std::int64_t start, L; long steps, status; } cases[] = {
-        {0, 100, 9, 0}, {0, 100, 10, 1}, {0, 100, 30, 1}, {1250, 30, 4, 2}, {1500, 100, 2, 0}};
+    const struct {
+        std::int64_t start, L;
+        long steps, status;
+    } cases[] = {{0, 100, 9, 0}, {0, 100, 10, 1}, {0, 100, 30, 1}, {1250, 30, 4, 2}, {1500, 100, 2, 0}};
     for (const auto& c : cases) {
         ASSERT_TRUE(cache->Reduce(c.start, c.L, c.steps, out, &status, &range));
         EXPECT_EQ(status, c.status) << c.start << " " << c.steps;
@@ -166,11 +186,17 @@ TEST_F(MinMaxCache, ChangedRecordingOrDamagedFileHasNoCache) {
     const auto damages = std::vector<std::pair<const char*, std::function<void()>>>{
         {"touched", [&] { fs::last_write_time(path, fs::last_write_time(path) + std::chrono::seconds(1)); }},
         {"grown", [&] { std::ofstream(path, std::ios::app) << 'x'; }},
-        {"header byte", [&] { std::fstream f(file, std::ios::in | std::ios::out | std::ios::binary); f.seekp(41); f.put('\x7f'); }},
+        {"header byte",
+         [&] {
+             std::fstream f(file, std::ios::in | std::ios::out | std::ios::binary);
+             f.seekp(41);
+             f.put('\x7f');
+         }},
         {"short", [&] { fs::resize_file(file, fs::file_size(file) - 8); }},
         {"longer", [&] { fs::resize_file(file, fs::file_size(file) + 8); }},
         {"foreign", [&] { std::ofstream(file) << std::string(4096, 'z'); }},
-        {"other channel", [&] { fs::copy_file(mmx::cachePath(path, 2, 3), file, fs::copy_options::overwrite_existing); }},
+        {"other channel",
+         [&] { fs::copy_file(mmx::cachePath(path, 2, 3), file, fs::copy_options::overwrite_existing); }},
     };
     for (const auto& [name, damage] : damages) {
         ASSERT_EQ(BuildMinMaxCaches(path), 2);
@@ -194,7 +220,8 @@ TEST_F(MinMaxCache, IndexCommandWritesTheCaches) {
     const std::string path = dir_.file("r.trc").string();
     ASSERT_TRUE(writeRecording(path, plan(false, 32, 12, kSignals[0].second)));
     int status = -1;
-    EXPECT_EQ(runTool("index " + path, status), "input\t1\ta\t12\t" + path + ".in1.mmx\ntacho\t3\tTacho 1\t12\t" + path + ".tacho3.mmx\n");
+    EXPECT_EQ(runTool("index " + path, status),
+              "input\t1\ta\t12\t" + path + ".in1.mmx\ntacho\t3\tTacho 1\t12\t" + path + ".tacho3.mmx\n");
     EXPECT_EQ(status, 0);
     EXPECT_TRUE(CMinMaxCache::Load(path, 2, 3));
     fs::resize_file(path, 1000);
