@@ -10,6 +10,7 @@ int demo(int argc, char** argv);
 int tree(int argc, char** argv);
 int ls(int argc, char** argv);
 int info(int argc, char** argv);
+int index(int argc, char** argv);
 int registerServer(int argc, char** argv);
 int unregisterServer(int argc, char** argv);
 int plan(int argc, char** argv);

@@ -17,6 +17,7 @@ const Entry kCommands[] = {
     {"tree", nvdl::tool::tree, "tree FILE       print the storage tree of a compound file"},
     {"ls", nvdl::tool::ls, "ls FILE         list what a workspace or project file holds: workspaces, measurements, geometries, modes, setups, layouts, documents"},
     {"info", nvdl::tool::info, "info FILE       what a recording holds: a line of the recording (format version, scans, block size, sample rate), one per channel and one per stored measurement; for a workspace or project file the listing of ls"},
+    {"index", nvdl::tool::index, "index FILE      make the min/max caches of a recording's used channels beside it (FILE.in<N>.mmx, FILE.tacho<N>.mmx), so that reduced reads of long spans skip the samples: a line per channel (kind, number, name, scans covered, cache file)"},
     {"register", nvdl::tool::registerServer, "register [LIB]  write the classes, interfaces and project file type of LIB (libnvdl.so beside nvdl) to the settings store ($NVDL_REGISTRY)"},
     {"unregister", nvdl::tool::unregisterServer, "unregister [LIB] remove what register wrote from the settings store"},
     {"plan", nvdl::tool::plan, "plan SIZE...    measure FFT plans of these lengths and keep them in the user's cache, so transforms of them run at full speed"},

@@ -1,0 +1,39 @@
+// nvdl index FILE: makes the min/max caches of every used channel of a recording, so that reduced
+// reads of long spans need not read the samples. One tab-separated line per channel: its kind
+// ("input" or "tacho"), number (tachos behind the inputs), name, the scans the cache covers and the
+// cache file ("-" when it could not be written, which makes the exit status 1).
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "access/MinMaxCacheFormat.h"
+#include "access/MinMaxCacheIndex.h"
+#include "commands.h"
+#include "platform/CodePage.h"
+
+namespace nvdl::tool {
+
+int index(int argc, char** argv) {
+    if (argc != 1) {
+        std::fprintf(stderr, "usage: nvdl index FILE\n");
+        return 2;
+    }
+    const std::string recording = narrow(utf8ToUtf16(argv[0]));
+    std::vector<access::IndexedChannel> channels;
+    std::string reason;
+    if (!access::indexRecording(recording, channels, reason)) {
+        std::fprintf(stderr, "nvdl index: %s: %s\n", argv[0], reason.c_str());
+        return 1;
+    }
+    int status = 0;
+    for (const access::IndexedChannel& c : channels) {
+        const std::string cache =
+            c.written ? pathFromAnsi(access::mmx::cachePath(recording, c.kind, c.channel)).string() : "-";
+        std::printf("%s\t%ld\t%s\t%lld\t%s\n", c.kind == 1 ? "input" : "tacho", c.channel,
+                    utf16ToUtf8(widen(c.name)).c_str(), static_cast<long long>(c.scans), cache.c_str());
+        if (!c.written) status = 1;
+    }
+    return status;
+}
+
+}  // namespace nvdl::tool
