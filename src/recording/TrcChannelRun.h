@@ -45,7 +45,7 @@ public:
     // Lets go of the file and of the windows beyond the two that the next reads reuse.
     void End();
 
-    static constexpr std::int64_t kWindowBytes = std::int64_t{2} << 20;
+    static constexpr std::int64_t kWindowBytes = std::int64_t{256} << 10;
 
 private:
     struct Window;
