@@ -43,6 +43,10 @@ public:
     // part's used channels times the blocksize.
     int ReadScan(long scan, unsigned char* buffer, std::int64_t count);
     int WriteScan(long scan, const unsigned char* buffer, std::int64_t count);
+    // The stream's layout as the recorder's header tells it now, with the stream at this section's
+    // offset, and which part of each scan this section is.
+    const ScanGeometry& GetGeometry() { return Geometry(); }
+    ScanPart GetPart() const { return m_part; }
 
 protected:
     CTrcRecorderChannelSection(ScanPart part, SectionType type, const char* name);

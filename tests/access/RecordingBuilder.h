@@ -15,6 +15,8 @@
 #include "recording/TrcMeasurements.h"
 #include "recording/TrcRecorderSection.h"
 #include "recording/TrcScanInfo.h"
+#include "recording/TrcSubMeasurement.h"
+#include "recording/TrcSubMeasurements.h"
 #include "recording/TrcSetupSection.h"
 #include "recording/TrcSetupsSection.h"
 #include "recording/TrcTestDefinition.h"
@@ -36,6 +38,7 @@ struct StoredPlan {
     long size = 0;
     bool complex = false;
     long axis = 1;  // 1102 to 1104 carry an X table
+    long subs = 0;  // real sub-measurements of the same size, values storedValue(measurement * 100 + k, i)
 };
 
 struct RecordingPlan {
@@ -97,6 +100,12 @@ inline void fillRecorder(trc::CTrc& trc, const RecordingPlan& plan) {
         m->GetHeader().SetSize(s.size);
         m->GetHeader().SetComplex(s.complex ? 1 : 0);
         m->GetHeader().SetXAxisType(s.axis);
+        for (long k = 0; k < s.subs; ++k) {
+            auto sub = std::make_unique<trc::CTrcSubMeasurementSection>();
+            sub->GetHeader().SetSize(s.size);
+            sub->GetHeader().SetXAxisType(1);
+            m->GetMeasurements().Add(std::move(sub));
+        }
         trc.GetMeasurements().Add(std::move(m));
     }
 }
@@ -145,6 +154,10 @@ inline bool writeRecording(const std::string& path, const RecordingPlan& plan) {
         }
         if (n > 0 && !stored.GetData().GetY().WriteReal(0, re.data(), n)) return false;
         if (n > 0 && stored.GetHeader().GetComplex() && !stored.GetData().GetY().WriteImag(0, im.data(), n)) return false;
+        for (long k = 0; k < stored.GetMeasurements().GetCount(); ++k) {
+            for (long i = 0; i < n; ++i) re[static_cast<std::size_t>(i)] = storedValue((m + 1) * 100 + k + 1, i);
+            if (n > 0 && !stored.GetMeasurements().GetItem(k)->GetData().GetY().WriteReal(0, re.data(), n)) return false;
+        }
         const long axis = stored.GetHeader().GetXAxisType();
         if (n > 0 && axis >= 1102 && axis <= 1104 && !stored.GetData().GetX().Write(0, x.data(), n)) return false;
     }
