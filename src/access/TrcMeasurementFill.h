@@ -16,6 +16,23 @@ struct ReleaseMeasurement {
 };
 using MeasurementRef = std::unique_ptr<CMeasurement, ReleaseMeasurement>;
 
+struct FreeCurve {
+    void operator()(float* p) const;
+};
+using Curve = std::unique_ptr<float, FreeCurve>;
+
+// What a reduced read hands back, owned.
+struct CompressedCurves {
+    Curve x, real, imag;
+    float factor = 1.0f, range = 0.0f;
+    int uncompleted = 0, useful = 1;
+    long status = 0;
+};
+
+// The reduced read of a span of a source; false when it fails or gives no values.
+bool readCurves(CTrcLoader& loader, long kind, long channel, long subChannel, std::int64_t fileSamples,
+                std::int64_t start, std::int64_t count, CompressedCurves& out);
+
 HRESULT putText(CMeasurement& m, HRESULT (CMeasurement::*put)(BSTR), std::string_view text);
 
 // Reads a source whole through the reduced read and gives the measurement its first picture: the

@@ -3,11 +3,9 @@
 // reduced to min/max pairs when it is longer than a block, and the file is closed again at once.
 #include <algorithm>
 #include <charconv>
-#include <cstdlib>
-#include <memory>
 #include <string_view>
 
-#include "access/TrcLoader.h"
+#include "access/TrcMeasurementFill.h"
 #include "frame/ClassTable.h"
 #include "measurement/Measurement.h"
 #include "recording/TrcRecorderSection.h"
@@ -73,13 +71,8 @@ bool parseAddress(std::string_view text, long inputs, Source& source) {
     return false;
 }
 
-struct FreeArray {
-    void operator()(float* p) const { std::free(p); }
-};
-using Curve = std::unique_ptr<float, FreeArray>;
-
 // The first `block` values of a curve of the loader (which is at least that long), or none.
-std::vector<float> firstValues(const Curve& curve, LONG block) {
+std::vector<float> firstValues(const access::Curve& curve, LONG block) {
     if (!curve) return {};
     return {curve.get(), curve.get() + block};
 }
@@ -101,32 +94,25 @@ HRESULT CMeasurement::ExternalReadFormat(LONG start, LONG count) {
     const long inputs = loader.GetRecorder().GetHeader().GetSetup().GetInputs().GetTotalChannels();
     if (!parseAddress(rest, inputs, source)) return E_FAIL;
 
-    float* x = nullptr;
-    float* re = nullptr;
-    float* im = nullptr;
-    float factor = 1.0f, range = 0.0f;
-    int uncompleted = 0, useful = 1;
-    long status = 0;
-    const int read = loader.ReadCompressed(source.kind, source.channel, source.subChannel, m_fileSamples, start, count,
-                                           &x, &re, &im, &factor, &uncompleted, &useful, &range, &status);
-    const Curve xs(x), real(re), imag(im);
-    if (!read || !real) return E_FAIL;
+    access::CompressedCurves read;
+    if (!access::readCurves(loader, source.kind, source.channel, source.subChannel, m_fileSamples, start, count, read))
+        return E_FAIL;
     // The loader hands out at least a block of values; the block in memory is as long as the
     // measurement's own, which a short source makes shorter.
     const LONG block = std::min(m_maxBlockSize, m_fileSamples);
     if (block <= 0) return E_FAIL;
-    std::vector<float> reValues = firstValues(real, block), imValues = firstValues(imag, block),
-                       xValues = firstValues(xs, block);
+    std::vector<float> reValues = firstValues(read.real, block), imValues = firstValues(read.imag, block),
+                       xValues = firstValues(read.x, block);
     if (m_complex && imValues.empty()) imValues.assign(static_cast<std::size_t>(block), 0.0f);
     const bool hasX = axisHasXVector(m_xAxisType) && !xValues.empty();
-    m_isUncompleted = uncompleted ? 1 : 0;
-    m_isUsefullData = useful ? 1 : 0;
+    m_isUncompleted = read.uncompleted ? 1 : 0;
+    m_isUsefullData = read.useful ? 1 : 0;
     if (HRESULT h = takeBlock(block, reValues, imValues, xValues, hasX); FAILED(h)) return h;
 
     m_currentBlock = -1;
     if (!m_isUncompleted && count <= block) m_firstBlockRead = 0;
     m_currentBlock = GetBlockNumber(start);
-    m_compressionFactor = factor;
+    m_compressionFactor = read.factor;
     m_blockStartOffset = static_cast<LONG>(start - static_cast<long long>(m_currentBlock - 1) * block);
     m_dataLoaded = 1;
     m_firstBlockRead = 0;
