@@ -8,6 +8,7 @@
 #include <optional>
 #include <string_view>
 
+#include "platform/ComPtr.h"
 #include "platform/Registry.h"
 #include "platform/RegistryTree.h"
 #include "project/UnitClient.h"
@@ -126,7 +127,8 @@ int CTrcLoader::GetUnitConversion(const char* unit, float sensitivity, const cha
     if (!offset || !factor) return 0;
     *factor = 1.0f;
     *offset = 0.0f;
-    if (!GetUnitService() && !GetOrCreateUnitService()) return 0;
+    const ComPtr<IUnitService> service(GetOrCreateUnitService());
+    if (!service) return 0;
     double a = 1.0, b = 0.0;
     unitScale(unit, a, b);
     double s = sensitivity;

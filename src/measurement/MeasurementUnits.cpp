@@ -4,6 +4,7 @@
 
 #include "measurement/Measurement.h"
 #include "platform/CodePage.h"
+#include "platform/ComPtr.h"
 #include "project/UnitClient.h"
 
 namespace nvdl {
@@ -128,7 +129,8 @@ HRESULT CMeasurement::put_ZdDimension(IDispatch* v) {
 bool CMeasurement::userUnitScale(IDispatch* dimension, const std::string& storageUnit, double& scale, double& offset) const {
     scale = 1.0;
     offset = 0.0;
-    if (!dimension || !GetUnitService()) return false;
+    const ComPtr<IUnitService> service(GetUnitService());
+    if (!dimension || !service) return false;
     IDispatch* unit = nullptr;
     if (!storageUnit.empty()) {
         IDimension* owner = DimensionFromText(storageUnit, false);
