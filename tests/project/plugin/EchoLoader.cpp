@@ -5,6 +5,7 @@
 
 #include "nvdl/IWorkspaceLoader.h"
 #include "nvdl/ServerEntry.h"
+#include "../PluginFactory.h"
 
 namespace {
 
@@ -51,38 +52,11 @@ private:
     ULONG m_cRef = 1;
 };
 
-class EchoFactory final : public IClassFactory {
-public:
-    HRESULT QueryInterface(REFIID riid, void** ppv) override {
-        if (!ppv) return E_POINTER;
-        *ppv = nullptr;
-        if (riid != IID_IUnknown && riid != IID_IClassFactory) return E_NOINTERFACE;
-        *ppv = static_cast<IClassFactory*>(this);
-        return S_OK;
-    }
-    // One factory for the life of the library.
-    ULONG AddRef() override { return 1; }
-    ULONG Release() override { return 1; }
-    HRESULT CreateInstance(IUnknown* outer, REFIID riid, void** object) override {
-        if (!object) return E_POINTER;
-        *object = nullptr;
-        if (outer) return CLASS_E_NOAGGREGATION;
-        auto* loader = new EchoLoader;
-        const HRESULT h = loader->QueryInterface(riid, object);
-        loader->Release();
-        return h;
-    }
-    HRESULT LockServer(int) override { return S_OK; }
-};
-
-EchoFactory g_factory;
+nvdl::test::PluginFactory<EchoLoader> g_factory;
 
 }  // namespace
 
 HRESULT DllGetClassObject(REFCLSID clsid, REFIID riid, void** factory) {
-    if (!factory) return E_POINTER;
-    *factory = nullptr;
-    if (clsid != kEchoLoaderClass) return CLASS_E_CLASSNOTAVAILABLE;
-    return g_factory.QueryInterface(riid, factory);
+    return g_factory.classObject(kEchoLoaderClass, clsid, riid, factory);
 }
 

@@ -11,6 +11,7 @@
 #include "nvdl/Bstr.h"
 #include "nvdl/ITeacReader.h"
 #include "nvdl/ServerEntry.h"
+#include "../PluginFactory.h"
 
 namespace {
 
@@ -137,37 +138,10 @@ private:
     bool m_open = false;
 };
 
-class TestFactory final : public IClassFactory {
-public:
-    HRESULT QueryInterface(REFIID riid, void** ppv) override {
-        if (!ppv) return E_POINTER;
-        *ppv = nullptr;
-        if (riid != IID_IUnknown && riid != IID_IClassFactory) return E_NOINTERFACE;
-        *ppv = static_cast<IClassFactory*>(this);
-        return S_OK;
-    }
-    // One factory for the life of the library.
-    ULONG AddRef() override { return 1; }
-    ULONG Release() override { return 1; }
-    HRESULT CreateInstance(IUnknown* outer, REFIID riid, void** object) override {
-        if (!object) return E_POINTER;
-        *object = nullptr;
-        if (outer) return CLASS_E_NOAGGREGATION;
-        auto* reader = new TestReader;
-        const HRESULT h = reader->QueryInterface(riid, object);
-        reader->Release();
-        return h;
-    }
-    HRESULT LockServer(int) override { return S_OK; }
-};
-
-TestFactory g_factory;
+nvdl::test::PluginFactory<TestReader> g_factory;
 
 }  // namespace
 
 HRESULT DllGetClassObject(REFCLSID clsid, REFIID riid, void** factory) {
-    if (!factory) return E_POINTER;
-    *factory = nullptr;
-    if (clsid != CLSID_TeacRecordingReader) return CLASS_E_CLASSNOTAVAILABLE;
-    return g_factory.QueryInterface(riid, factory);
+    return g_factory.classObject(CLSID_TeacRecordingReader, clsid, riid, factory);
 }
