@@ -7,6 +7,7 @@
 #include <fstream>
 #include <limits>
 
+#include "../platform/RunTool.h"
 #include "../platform/TempDir.h"
 #include "RecordingBuilder.h"
 #include "access/MinMaxCache.h"
@@ -17,6 +18,8 @@ using namespace nvdl::testing;
 namespace fs = std::filesystem;
 
 namespace {
+
+using nvdl::test::runTool;
 
 struct Reduced {
     bool fits = false;
@@ -204,16 +207,6 @@ TEST_F(MinMaxCache, ChangedRecordingOrDamagedFileHasNoCache) {
         damage();
         EXPECT_FALSE(CMinMaxCache::Load(path, 1, 1)) << name;
     }
-}
-
-std::string runTool(const std::string& arguments, int& status) {
-    const auto tool = fs::read_symlink("/proc/self/exe").parent_path() / "nvdl";
-    std::FILE* pipe = ::popen((tool.string() + " " + arguments + " 2>/dev/null").c_str(), "r");
-    std::string out;
-    char chunk[256];
-    while (pipe && std::fgets(chunk, sizeof chunk, pipe)) out += chunk;
-    status = pipe ? ::pclose(pipe) : -1;
-    return out;
 }
 
 TEST_F(MinMaxCache, IndexCommandWritesTheCaches) {

@@ -7,6 +7,7 @@
 #include <fstream>
 #include <vector>
 
+#include "../platform/RunTool.h"
 #include "../platform/TempDir.h"
 #include "platform/LittleEndian.h"
 #include "recording/Trc.h"
@@ -24,6 +25,8 @@ using namespace nvdl::trc;
 namespace le = nvdl::le;
 
 namespace {
+
+using nvdl::test::runTool;
 
 constexpr std::int64_t T(std::int64_t n) { return 96 + 168 * n; }
 
@@ -265,17 +268,6 @@ TEST(TrcRecording, FilesThatAreNoRecordings) {
 }
 
 namespace {
-
-// Runs the built command-line tool (beside this test program) and gives its standard output.
-std::string runTool(const std::string& arguments, int& status) {
-    const auto tool = std::filesystem::read_symlink("/proc/self/exe").parent_path() / "nvdl";
-    std::FILE* pipe = ::popen((tool.string() + " " + arguments + " 2>/dev/null").c_str(), "r");
-    std::string out;
-    char chunk[256];
-    while (pipe && std::fgets(chunk, sizeof chunk, pipe)) out += chunk;
-    status = pipe ? ::pclose(pipe) : -1;
-    return out;
-}
 
 }  // namespace
 
