@@ -11,6 +11,7 @@ packages=(
   libgtest-dev libgmock-dev libbenchmark-dev
   python3 python3-dev pybind11-dev python3-numpy python3-scipy python3-pytest
   python3-olefile libgsf-1-dev python3-gi gir1.2-gsf-1
+  libcairo2-dev python3-pil
 )
 missing=()
 for p in "${packages[@]}"; do

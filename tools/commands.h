@@ -1,18 +1,18 @@
-// Sub-commands of the nvdl command-line tool. Each lives in its own source file.
+// Sub-commands of the nvdl command-line tool. Each lives in its own source file, which defines the
+// command's function and its entry: the name, the function, and the line that `nvdl --help` shows.
 #pragma once
 
 namespace nvdl::tool {
 
 // Each command gets the arguments after its own name and returns the process exit status.
-using Command = int (*)(int argc, char** argv);
+struct CommandEntry {
+    const char* name;
+    int (*run)(int argc, char** argv);
+    const char* usage;
+};
 
-int demo(int argc, char** argv);
-int tree(int argc, char** argv);
-int ls(int argc, char** argv);
-int info(int argc, char** argv);
-int index(int argc, char** argv);
-int registerServer(int argc, char** argv);
-int unregisterServer(int argc, char** argv);
-int plan(int argc, char** argv);
+extern const CommandEntry infoCommand, lsCommand, treeCommand, exportCommand, importCommand, spectrumCommand,
+    octaveCommand, cutCommand, plotCommand, convertCommand, indexCommand, demoCommand, planCommand,
+    registerServerCommand, unregisterServerCommand;
 
 }  // namespace nvdl::tool

@@ -74,4 +74,6 @@ int demo(int, char**) {
     return 0;
 }
 
+const CommandEntry demoCommand{"demo", demo, "demo            create objects by ProgID and drive them late-bound"};
+
 }  // namespace nvdl::tool

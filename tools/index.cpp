@@ -36,4 +36,6 @@ int index(int argc, char** argv) {
     return status;
 }
 
+const CommandEntry indexCommand{"index", index, "index FILE      make the min/max caches of a recording's used channels beside it (FILE.in<N>.mmx, FILE.tacho<N>.mmx), so that reduced reads of long spans skip the samples: a line per channel (kind, number, name, scans covered, cache file)"};
+
 }  // namespace nvdl::tool

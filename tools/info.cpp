@@ -62,7 +62,7 @@ int info(int argc, char** argv) {
     const char* path = argv[0];
     unsigned char head[8];
     if (!readHead(path, head)) return fail(path, std::strerror(errno));
-    if (isCompoundFile(head)) return ls(argc, argv);
+    if (isCompoundFile(head)) return lsCommand.run(argc, argv);
 
     trc::CTrc recording;
     if (!recording.Open(narrow(utf8ToUtf16(path)).c_str())) return fail(path, "not a readable recording");
@@ -96,5 +96,7 @@ int info(int argc, char** argv) {
     std::fputs(out.c_str(), stdout);
     return 0;
 }
+
+const CommandEntry infoCommand{"info", info, "info FILE       what a recording holds: a line of the recording (format version, scans, block size, sample rate), one per channel and one per stored measurement; for a workspace or project file the listing of ls"};
 
 }  // namespace nvdl::tool

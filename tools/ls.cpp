@@ -109,4 +109,6 @@ int ls(int argc, char** argv) {
     return 0;
 }
 
+const CommandEntry lsCommand{"ls", ls, "ls FILE         list what a workspace or project file holds: workspaces, measurements, geometries, modes, setups, layouts, documents"};
+
 }  // namespace nvdl::tool

@@ -72,4 +72,6 @@ int plan(int argc, char** argv) {
     return 0;
 }
 
+const CommandEntry planCommand{"plan", plan, "plan SIZE...    measure FFT plans of these lengths and keep them in the user's cache, so transforms of them run at full speed"};
+
 }  // namespace nvdl::tool

@@ -9,4 +9,6 @@ int registerServer(int argc, char** argv) {
     return runLibraryEntry("register", "DllRegisterServer", "registered", argc, argv);
 }
 
+const CommandEntry registerServerCommand{"register", registerServer, "register [LIB]  write the classes, interfaces and project file type of LIB (libnvdl.so beside nvdl) to the settings store ($NVDL_REGISTRY)"};
+
 }  // namespace nvdl::tool

@@ -79,4 +79,6 @@ int tree(int argc, char** argv) {
     return 0;
 }
 
+const CommandEntry treeCommand{"tree", tree, "tree FILE       print the storage tree of a compound file"};
+
 }  // namespace nvdl::tool

@@ -8,4 +8,6 @@ int unregisterServer(int argc, char** argv) {
     return runLibraryEntry("unregister", "DllUnregisterServer", "unregistered", argc, argv);
 }
 
+const CommandEntry unregisterServerCommand{"unregister", unregisterServer, "unregister [LIB] remove what register wrote from the settings store"};
+
 }  // namespace nvdl::tool
