@@ -1,79 +1,54 @@
-// nvdl demo: creates objects by ProgID and drives them late-bound, as a client script would,
-// then shows how a failure reaches the client with its message.
-#include <cstdio>
-#include <string>
+// nvdl demo [OUTDIR] [--small] [--quiet]: the main job from end to end on data it makes itself - a
+// recording of a known modal structure, a project, the averaged analysis, a project file saved and
+// read back, a table of the modes found and the band levels - in OUTDIR, by default
+// a folder "nvdl-demo" here (or in the temporary folder when this one cannot be written).
+#include <unistd.h>
 
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+
+#include "cli/Arguments.h"
+#include "cli/Failure.h"
 #include "commands.h"
-#include "frame/LateBound.h"
-#include "nvdl/nvdl.h"
-#include "platform/CodePage.h"
+#include "demo/DemoJob.h"
 
 namespace nvdl::tool {
 
 namespace {
 
-std::string text(const VARIANT& v) {
-    Variant copy;
-    if (FAILED(VariantChangeType(&copy, &v, 0, VT_BSTR))) return "?";
-    return utf16ToUtf8(bstrView(copy.bstrVal));
-}
+constexpr const char* kUsage = "demo [OUTDIR] [--small] [--quiet]";
 
-std::string property(IDispatch* object, std::u16string_view name) {
-    Variant value;
-    HRESULT h = latebound::get(object, name, &value);
-    if (FAILED(h)) {
-        char buf[32];
-        std::snprintf(buf, sizeof buf, "<failed 0x%08X>", static_cast<unsigned>(h));
-        return buf;
-    }
-    return text(value);
-}
-
-void reportFailure(const char* what, HRESULT h) {
-    std::printf("%s failed with 0x%08X\n", what, static_cast<unsigned>(h));
-    if (auto record = takeErrorInfo())
-        std::printf("  description: %s\n  source: %s\n", utf16ToUtf8(record->description).c_str(),
-                    utf16ToUtf8(record->source).c_str());
+std::filesystem::path defaultFolder() {
+    if (::access(".", W_OK) == 0) return "nvdl-demo";
+    const char* temporary = std::getenv("TMPDIR");
+    return std::filesystem::path(temporary && *temporary ? temporary : "/tmp") / "nvdl-demo";
 }
 
 }  // namespace
 
-int demo(int, char**) {
-    IDispatch* parameter = nullptr;
-    HRESULT h = CreateObject(u"nv_bench.parameter", &parameter);
-    if (FAILED(h)) {
-        reportFailure("CreateObject(nv_bench.parameter)", h);
-        return 1;
-    }
-    std::printf("created nv_bench.parameter; live objects: %ld\n", ObjectCount());
-
-    latebound::put(parameter, u"Name", Variant::fromAnsi("Sensitivity"));
-    latebound::put(parameter, u"Value", Variant::fromAnsi("10.2 mV/g"));
-    std::printf("Name = %s, Value = %s, Modified = %s\n", property(parameter, u"Name").c_str(),
-                property(parameter, u"Value").c_str(), property(parameter, u"Modified").c_str());
-
-    DISPID cloneId;
-    Variant clone;
-    if (SUCCEEDED(latebound::memberId(parameter, u"Clone", &cloneId)) &&
-        SUCCEEDED(latebound::call(parameter, cloneId, &clone)) && clone.vt == VT_DISPATCH)
-        std::printf("Clone: Name = %s, Value = %s\n", property(clone.pdispVal, u"Name").c_str(),
-                    property(clone.pdispVal, u"Value").c_str());
-
-    std::printf("setting a blank name:\n");
-    h = latebound::put(parameter, u"Name", Variant::fromAnsi("   "));
-    if (FAILED(h)) reportFailure("put Name", h);
-    std::printf("Name is still %s\n", property(parameter, u"Name").c_str());
-
-    IDispatch* unknown = nullptr;
-    h = CreateObject(u"nv_bench.nosuchclass", &unknown);
-    if (FAILED(h)) reportFailure("CreateObject(nv_bench.nosuchclass)", h);
-
-    clone = Variant();
-    parameter->Release();
-    std::printf("released; live objects: %ld\n", ObjectCount());
+int demo(int argc, char** argv) {
+    Arguments args;
+    std::string error;
+    if (!args.parse(argc, argv, {}, {"small", "quiet"}, error)) return usageFailure("demo", kUsage, error);
+    if (args.positional().size() > 1) return usageFailure("demo", kUsage);
+    demo::DemoOptions options;
+    options.folder = args.positional().empty() ? defaultFolder() : std::filesystem::path(args.positional()[0]);
+    options.small = args.has("small");
+    options.quiet = args.has("quiet");
+    const auto begin = std::chrono::steady_clock::now();
+    std::string report;
+    if (!demo::runDemo(options, report, error)) return failure("demo", options.folder.string(), error);
+    const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;
+    std::fputs(report.c_str(), stdout);
+    std::printf("done in %.1f s\n", took.count());
     return 0;
 }
 
-const CommandEntry demoCommand{"demo", demo, "demo            create objects by ProgID and drive them late-bound"};
+const CommandEntry demoCommand{"demo", demo,
+                               "demo [OUTDIR]    the main job on data it makes itself: a recording of a known modal "
+                               "structure, its FRFs, coherences and third-octave bands, a project file "
+                               "in OUTDIR (default ./nvdl-demo); --small, --quiet"};
 
 }  // namespace nvdl::tool

@@ -1,10 +1,11 @@
 // The main job's commands through the built program: spectrum and octave on a recording of known
-// sines, and their failures.
+// sines, their failures, and the demonstration run small.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <fstream>
 #include <numbers>
+#include <regex>
 #include <sstream>
 
 #include "access/RecordingBuilder.h"
@@ -127,6 +128,30 @@ TEST_F(MainJobCommands, FailuresAreOneLineWithTheFile) {
         }
     }
     EXPECT_FALSE(std::filesystem::exists(dir_.file("out.csv")));
+}
+
+// The small demonstration finds the three modes within 1% with a coherence near 1, and leaves its
+// recording and project in the folder it names.
+TEST_F(MainJobCommands, DemoFindsTheModes) {
+    const test::ToolResult result = run("demo {}/result --small --quiet");
+    ASSERT_EQ(result.status, 0) << result.err;
+    const std::regex row(R"(^\s*(\d)\s+([\d.]+)\s+([\d.]+)\s+(-?[\d.]+)\s+([\d.]+)\s+Acc \d$)");
+    int modes = 0;
+    std::istringstream lines(result.out);
+    for (std::string line; std::getline(lines, line);) {
+        std::smatch m;
+        if (!std::regex_match(line, m, row)) continue;
+        ++modes;
+        const double truth = std::stod(m[2]), found = std::stod(m[3]);
+        EXPECT_LT(std::fabs(found - truth), 0.01 * truth) << line;
+        EXPECT_GT(std::stod(m[5]), 0.95) << line;
+    }
+    EXPECT_EQ(modes, 3) << result.out;
+    EXPECT_NE(result.out.find("Hz"), std::string::npos);
+    const auto folder = std::filesystem::canonical(dir_.file("result"));
+    EXPECT_NE(result.out.find(folder.string()), std::string::npos) << result.out;
+    for (const char* file : {"modal-test.trc", "modal-test.vpj"})
+        EXPECT_TRUE(std::filesystem::exists(folder / file)) << file;
 }
 
 }  // namespace
