@@ -61,8 +61,9 @@ Picture composePicture(const std::vector<MeasurementValues>& measurements, const
 // 20 log10 for the rest; minus infinity for zero.
 double decibels(double magnitude, long functionType);
 
-// The min/max pairs of a reduced picture as an envelope trace: each pair spans twice the
-// compression factor of the record's samples. Pairs of chunks that held no number are left out.
+// The min/max pairs of a reduced picture as an envelope trace: each pair holds over twice the
+// compression factor of the record's samples, from its start to its end. Pairs of chunks that held
+// no number are left out.
 Trace envelopeOf(const MeasurementValues& values);
 
 }  // namespace nvdl::plot

@@ -158,9 +158,11 @@ Trace envelopeOf(const MeasurementValues& values) {
     for (std::size_t i = 0; i + 1 < values.real.size(); i += 2) {
         const double low = values.real[i], high = values.real[i + 1];
         if (!(low <= high) || low >= kEmptyChunkMark || high <= -kEmptyChunkMark) continue;
-        t.x.push_back(start + pairSpan * static_cast<double>(i / 2));
-        t.y.push_back(low);
-        t.top.push_back(high);
+        // The pair holds over its whole span: a step at each end.
+        const double from = start + pairSpan * static_cast<double>(i / 2);
+        t.x.insert(t.x.end(), {from, from + pairSpan});
+        t.y.insert(t.y.end(), {low, low});
+        t.top.insert(t.top.end(), {high, high});
     }
     return t;
 }

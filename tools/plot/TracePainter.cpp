@@ -23,10 +23,10 @@ struct Mapper {
     }
 };
 
-// A line through many values, drawn per pixel column: a column crossed by several values gets
-// its first value, its lowest, its highest and its last, which is all a pixel column can show of
-// them. A value that cannot be placed (not a number, zero or below on a logarithmic axis) breaks
-// the line.
+// A line through many values, drawn per pixel column: of the values that fall in one column only
+// the first, the lowest, the highest and the last are joined, in the order they came, which is all
+// a pixel column can show of them. A value that cannot be placed (not a number, zero or below on a
+// logarithmic axis) breaks the line.
 class ColumnLine {
 public:
     explicit ColumnLine(cairo_t* cr) : m_cr(cr) {}
@@ -38,17 +38,14 @@ public:
         }
         const double column = std::floor(px);
         if (m_count > 0 && column == m_column) {
-            m_low = std::min(m_low, py);
-            m_high = std::max(m_high, py);
-            m_lastX = px;
-            m_lastY = py;
-            ++m_count;
+            if (py < m_low.y) m_low = {px, py, m_count};
+            if (py > m_high.y) m_high = {px, py, m_count};
+            m_last = {px, py, m_count++};
             return;
         }
         flush();
         m_column = column;
-        m_lastX = px;
-        m_lastY = m_low = m_high = py;
+        m_low = m_high = m_last = {px, py, 0};
         m_count = 1;
         if (m_started) cairo_line_to(m_cr, px, py);
         else cairo_move_to(m_cr, px, py);
@@ -56,17 +53,23 @@ public:
     }
     void flush() {
         if (m_count > 1) {
-            cairo_line_to(m_cr, m_lastX, m_low);
-            cairo_line_to(m_cr, m_lastX, m_high);
-            cairo_line_to(m_cr, m_lastX, m_lastY);
+            const Point& early = m_low.order < m_high.order ? m_low : m_high;
+            const Point& late = m_low.order < m_high.order ? m_high : m_low;
+            for (const Point* p : {&early, &late, static_cast<const Point*>(&m_last)})
+                if (p->order > 0) cairo_line_to(m_cr, p->x, p->y);
         }
         m_count = 0;
     }
 
 private:
+    struct Point {
+        double x, y;
+        long order;  // within the column; the first value, already joined, is 0
+    };
     cairo_t* m_cr;
     bool m_started = false;
-    double m_column = 0, m_low = 0, m_high = 0, m_lastX = 0, m_lastY = 0;
+    double m_column = 0;
+    Point m_low{}, m_high{}, m_last{};
     long m_count = 0;
 };
 
