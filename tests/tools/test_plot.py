@@ -60,17 +60,6 @@ def workspace_file(tmp_path):
     return path
 
 
-@pytest.fixture
-def settings(tmp_path, monkeypatch):
-    def write(**values):
-        path = tmp_path / "registry.txt"
-        lines = ["[" + SETTINGS_KEY + "]"] + ['"%s"="%s"' % item for item in values.items()]
-        path.write_text("\n".join(lines) + "\n")
-        monkeypatch.setenv("NVDL_REGISTRY", str(path))
-    write()
-    return write
-
-
 def plot(*args):
     return subprocess.run([NVDL, "plot", *map(str, args)], capture_output=True, text=True)
 
@@ -139,8 +128,10 @@ def test_workspace_of_a_project(tmp_path):
     assert run.returncode == 1 and run.stderr == "nvdl plot: %s: the file holds no measurements\n" % path
 
 
-def test_long_recording_channel_is_drawn_as_its_overview(tmp_path, settings):
-    settings(LongFileFeature="1", MaxBlockSize="256")
+def test_long_recording_channel_is_drawn_as_its_overview(tmp_path, monkeypatch):
+    registry = tmp_path / "registry.txt"
+    registry.write_text('[%s]\n"LongFileFeature"="1"\n"MaxBlockSize"="256"\n' % SETTINGS_KEY)
+    monkeypatch.setenv("NVDL_REGISTRY", str(registry))
     run = tmp_path / "long.trc"
     subprocess.run([os.path.join(BUILD, "nvdl_test_make_recording"), str(run), "float", "512", "40"], check=True)
     out = tmp_path / "overview.png"
