@@ -67,9 +67,7 @@ def test_a_workspace_of_a_project_by_number_or_name(tmp_path):
     project.Close()
     for choice, name in (("2", "second.m"), ("first", "first.m"), (None, "first.m")):
         out = tmp_path / ("%s.wkd" % choice)
-        words = [tmp_path / "two.vpj", out] + (["--workspace", choice] if choice else [])
-        run = convert(*words)
-        assert run.returncode == 0, run.stderr
+        assert convert(tmp_path / "two.vpj", out, *(["--workspace", choice] if choice else [])).returncode == 0
         assert [m.Name for m in nvdl.open(out).Measurements] == [name]
     for choice in ("3", "0", "third"):
         run = convert(tmp_path / "two.vpj", tmp_path / "none.wkd", "--workspace", choice)
