@@ -8,23 +8,23 @@
 
 #include "access/MinMaxCacheFormat.h"
 #include "access/MinMaxCacheIndex.h"
+#include "cli/Arguments.h"
+#include "cli/Failure.h"
 #include "commands.h"
 #include "platform/CodePage.h"
 
 namespace nvdl::tool {
 
 int index(int argc, char** argv) {
-    if (argc != 1) {
-        std::fprintf(stderr, "usage: nvdl index FILE\n");
-        return 2;
-    }
-    const std::string recording = narrow(utf8ToUtf16(argv[0]));
+    Arguments args;
+    std::string problem;
+    if (!args.parse(argc, argv, {}, {}, problem) || args.positional().size() != 1)
+        return usageFailure("index", indexCommand.usage, problem);
+    const std::string& file = args.positional()[0];
+    const std::string recording = narrow(utf8ToUtf16(file));
     std::vector<access::IndexedChannel> channels;
     std::string reason;
-    if (!access::indexRecording(recording, channels, reason)) {
-        std::fprintf(stderr, "nvdl index: %s: %s\n", argv[0], reason.c_str());
-        return 1;
-    }
+    if (!access::indexRecording(recording, channels, reason)) return failure("index", file, reason);
     int status = 0;
     for (const access::IndexedChannel& c : channels) {
         const std::string cache =

@@ -2,14 +2,16 @@
 // the recording (format version, scans recorded, block size, sample rate), one line per channel
 // (inputs first, then tachos numbered behind them; used 0/1 and the range its 16-bit samples
 // span) and one per stored measurement (function type code, values per curve, sub-measurements).
-// Only tables and headers are read. Workspace and project files get the listing of `nvdl ls`.
-#include <algorithm>
-#include <cerrno>
+// Only tables and headers are read. Workspace and project files and zip bundles get the listing
+// of `nvdl ls`.
 #include <cstdio>
-#include <cstring>
 #include <string>
 
+#include "cli/Arguments.h"
+#include "cli/Failure.h"
+#include "cli/FileKind.h"
 #include "commands.h"
+#include "ls.h"
 #include "platform/CodePage.h"
 #include "recording/Trc.h"
 #include "recording/TrcFile.h"
@@ -22,22 +24,6 @@ namespace nvdl::tool {
 
 namespace {
 
-// The first bytes of the file: compound files (workspaces, projects) begin with a signature,
-// recordings with their version. False when the file cannot be read.
-bool readHead(const char* path, unsigned char (&head)[8]) {
-    std::FILE* f = std::fopen(path, "rb");
-    if (!f) return false;
-    std::memset(head, 0, sizeof head);
-    std::fread(head, 1, sizeof head, f);
-    std::fclose(f);
-    return true;
-}
-
-bool isCompoundFile(const unsigned char (&head)[8]) {
-    static const unsigned char kSignature[8] = {0xD0, 0xCF, 0x11, 0xE0, 0xA1, 0xB1, 0x1A, 0xE1};
-    return std::equal(head, head + 8, kSignature);
-}
-
 std::string number(double v) {
     char text[32];
     std::snprintf(text, sizeof text, "%g", v);
@@ -47,22 +33,25 @@ std::string number(double v) {
 // Names inside the recording are in the system code page; the terminal takes UTF-8.
 std::string shown(const char* text) { return utf16ToUtf8(widen(text)); }
 
-int fail(const char* path, const char* reason) {
-    std::fprintf(stderr, "nvdl info: %s: %s\n", path, reason);
-    return 1;
-}
+int fail(const char* path, const char* reason) { return failure("info", path, reason); }
 
 }  // namespace
 
 int info(int argc, char** argv) {
-    if (argc != 1) {
-        std::fprintf(stderr, "usage: nvdl info FILE\n");
-        return 2;
+    Arguments args;
+    std::string problem;
+    if (!args.parse(argc, argv, {}, {}, problem) || args.positional().size() != 1)
+        return usageFailure("info", infoCommand.usage, problem);
+    const char* path = args.positional()[0].c_str();
+    std::string reason;
+    switch (kindOfFile(path, reason)) {
+        case FileKind::Unreadable: return fail(path, reason.c_str());
+        case FileKind::Project:
+        case FileKind::Workspace:
+        case FileKind::OtherCompound:
+        case FileKind::Bundle: return listFile("info", path);
+        case FileKind::Other: break;
     }
-    const char* path = argv[0];
-    unsigned char head[8];
-    if (!readHead(path, head)) return fail(path, std::strerror(errno));
-    if (isCompoundFile(head)) return lsCommand.run(argc, argv);
 
     trc::CTrc recording;
     if (!recording.Open(narrow(utf8ToUtf16(path)).c_str())) return fail(path, "not a readable recording");
@@ -86,8 +75,11 @@ int info(int argc, char** argv) {
                (c.GetActivated() ? "1" : "0") + "\t" + number(2.0 * c.GetEndRPM()) + "\n";
     }
     trc::CTrcMeasurementsSection& measurements = recording.GetMeasurements();
-    if (!measurements.Read(-1)) return fail(path, "the stored measurements cannot be read");
-    for (long i = 0; i < measurements.GetCount(); ++i) {
+    // A cut copies the setup and the scans only and leaves the stored measurements' section
+    // unwritten; such a recording, like one whose section is unreadable, lists none, as the
+    // recording loader (which reads that section only on request) sees it.
+    const long stored = measurements.Read(-1) ? measurements.GetCount() : 0;
+    for (long i = 0; i < stored; ++i) {
         trc::CTrcMeasurementSection& m = *measurements.GetItem(i);
         trc::CTrcMeasurementHeaderSection& h = m.GetHeader();
         out += "measurement\t" + std::to_string(i) + "\t" + shown(h.GetName()) + "\t" + std::to_string(h.GetFunctionType()) +
@@ -97,6 +89,6 @@ int info(int argc, char** argv) {
     return 0;
 }
 
-const CommandEntry infoCommand{"info", info, "info FILE       what a recording holds: a line of the recording (format version, scans, block size, sample rate), one per channel and one per stored measurement; for a workspace or project file the listing of ls"};
+const CommandEntry infoCommand{"info", info, "info FILE       what a recording holds: a line of the recording (format version, scans, block size, sample rate), one per channel and one per stored measurement; for a workspace, project or bundle the listing of ls"};
 
 }  // namespace nvdl::tool

@@ -3,6 +3,9 @@
 #include <cstdio>
 #include <string>
 
+#include "cli/Arguments.h"
+#include "cli/Failure.h"
+#include "cli/StorageFailure.h"
 #include "commands.h"
 #include "platform/CodePage.h"
 #include "nvdl/Storage.h"
@@ -10,20 +13,6 @@
 namespace nvdl::tool {
 
 namespace {
-
-const char* describe(HRESULT h) {
-    switch (h) {
-        case STG_E_FILEALREADYEXISTS: return "not a compound file";
-        case STG_E_INVALIDHEADER: return "damaged compound file header";
-        case STG_E_DOCFILECORRUPT: return "damaged compound file";
-        case STG_E_FILENOTFOUND: return "file not found";
-        case STG_E_PATHNOTFOUND: return "path not found";
-        case STG_E_ACCESSDENIED: return "access denied";
-        case STG_E_READFAULT: return "read error";
-        case STG_E_INSUFFICIENTMEMORY: return "out of memory";
-        default: return "cannot read compound file";
-    }
-}
 
 struct Releaser {
     IUnknown* object;
@@ -54,11 +43,11 @@ HRESULT list(IStorage* storage, const std::string& prefix, std::string& out) {
 }  // namespace
 
 int tree(int argc, char** argv) {
-    if (argc != 1) {
-        std::fprintf(stderr, "usage: nvdl tree FILE\n");
-        return 2;
-    }
-    const char* file = argv[0];
+    Arguments args;
+    std::string problem;
+    if (!args.parse(argc, argv, {}, {}, problem) || args.positional().size() != 1)
+        return usageFailure("tree", treeCommand.usage, problem);
+    const std::string& file = args.positional()[0];
     IStorage* root = nullptr;
     std::string out;
     HRESULT h = openCompoundFile(file, STGM_READ | STGM_SHARE_EXCLUSIVE, &root);
@@ -71,10 +60,7 @@ int tree(int argc, char** argv) {
             h = list(root, "", out);
         }
     }
-    if (FAILED(h)) {
-        std::fprintf(stderr, "nvdl tree: %s: %s (0x%08X)\n", file, describe(h), static_cast<unsigned>(h));
-        return 1;
-    }
+    if (FAILED(h)) return failure("tree", file, storageFailureText(h));
     std::fwrite(out.data(), 1, out.size(), stdout);
     return 0;
 }

@@ -8,11 +8,15 @@ Invoke, as scripts drive them:
     p.Name = "Gain"
     p.Value = "1.5"
     copy = p.Clone()
+
+Helpers for scripts: nvdl.open(path) gives a loaded project or workspace by the file's class, and
+nvdl.to_numpy(m) / nvdl.x_numpy(m) (or m.to_numpy(), m.x_numpy()) a measurement's values and
+abscissa as numpy arrays.
 """
 
 from . import _nvdl
 
-__all__ = ["Dispatch", "ComError", "Missing", "object_count"]
+__all__ = ["Dispatch", "ComError", "Missing", "object_count", "open", "to_numpy", "x_numpy"]
 
 DISP_E_MEMBERNOTFOUND = 0x80020003
 DISP_E_BADPARAMCOUNT = 0x8002000E
@@ -172,6 +176,13 @@ class _Proxy:
     def __repr__(self):
         return "<nvdl object at 0x%x>" % self._handle.identity()
 
+    # Helpers of the client, not members of the object: see helpers.py.
+    def to_numpy(self):
+        return to_numpy(self)
+
+    def x_numpy(self):
+        return x_numpy(self)
+
 
 def Dispatch(progid):
     """Creates an object of the server by ProgID; an unknown ProgID raises ComError."""
@@ -179,3 +190,6 @@ def Dispatch(progid):
     if isinstance(handle, tuple):
         raise ComError(*handle)
     return _Proxy(handle)
+
+
+from .helpers import open, to_numpy, x_numpy  # noqa: E402,A001

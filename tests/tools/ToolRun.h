@@ -26,10 +26,13 @@ struct ToolResult {
     std::string out;      // standard output
     std::string err;      // standard error
 
-    // Standard error split at its line ends (the last line without its newline too).
-    std::vector<std::string> errLines() const {
+    // Standard output or error split at its line ends (the last line without its newline too).
+    std::vector<std::string> outLines() const { return linesOf(out); }
+    std::vector<std::string> errLines() const { return linesOf(err); }
+
+    static std::vector<std::string> linesOf(const std::string& text) {
         std::vector<std::string> lines;
-        std::istringstream in(err);
+        std::istringstream in(text);
         for (std::string line; std::getline(in, line);) lines.push_back(line);
         return lines;
     }

@@ -30,6 +30,7 @@ bool Arguments::parse(int argc, char** argv, const std::set<std::string>& valueO
                 error = "--" + name + " needs a value";
                 return false;
             }
+            repeated_[name].push_back(values_[name]);
         } else {
             error = "unknown option --" + name;
             return false;
@@ -42,6 +43,11 @@ std::optional<std::string> Arguments::value(const std::string& option) const {
     auto it = values_.find(option);
     if (it == values_.end()) return std::nullopt;
     return it->second;
+}
+
+std::vector<std::string> Arguments::values(const std::string& option) const {
+    auto it = repeated_.find(option);
+    return it == repeated_.end() ? std::vector<std::string>{} : it->second;
 }
 
 bool Arguments::number(const std::string& option, double fallback, double& out, std::string& error) const {

@@ -21,6 +21,8 @@ public:
     const std::vector<std::string>& positional() const { return positional_; }
     bool has(const std::string& flag) const { return flags_.count(flag) != 0; }
     std::optional<std::string> value(const std::string& option) const;
+    // Every value of an option that may be given more than once, in the order given.
+    std::vector<std::string> values(const std::string& option) const;
     // The option's value read as a number; `fallback` when the option is absent. False with
     // `error` set when the value is not a number.
     bool number(const std::string& option, double fallback, double& out, std::string& error) const;
@@ -29,6 +31,7 @@ public:
 private:
     std::vector<std::string> positional_;
     std::map<std::string, std::string> values_;
+    std::map<std::string, std::vector<std::string>> repeated_;
     std::set<std::string> flags_;
 };
 
