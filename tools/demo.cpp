@@ -1,6 +1,6 @@
 // nvdl demo [OUTDIR] [--small] [--quiet]: the main job from end to end on data it makes itself - a
 // recording of a known modal structure, a project, the averaged analysis, a project file saved and
-// read back, a table of the modes found and the band levels - in OUTDIR, by default
+// read back, a table of the modes found and the band levels, and pictures - in OUTDIR, by default
 // a folder "nvdl-demo" here (or in the temporary folder when this one cannot be written).
 #include <unistd.h>
 
@@ -48,7 +48,7 @@ int demo(int argc, char** argv) {
 
 const CommandEntry demoCommand{"demo", demo,
                                "demo [OUTDIR]    the main job on data it makes itself: a recording of a known modal "
-                               "structure, its FRFs, coherences and third-octave bands, a project file "
+                               "structure, its FRFs, coherences and third-octave bands, a project file and PNG plots "
                                "in OUTDIR (default ./nvdl-demo); --small, --quiet"};
 
 }  // namespace nvdl::tool

@@ -131,7 +131,7 @@ TEST_F(MainJobCommands, FailuresAreOneLineWithTheFile) {
 }
 
 // The small demonstration finds the three modes within 1% with a coherence near 1, and leaves its
-// recording and project in the folder it names.
+// recording, project and pictures in the folder it names.
 TEST_F(MainJobCommands, DemoFindsTheModes) {
     const test::ToolResult result = run("demo {}/result --small --quiet");
     ASSERT_EQ(result.status, 0) << result.err;
@@ -150,7 +150,8 @@ TEST_F(MainJobCommands, DemoFindsTheModes) {
     EXPECT_NE(result.out.find("Hz"), std::string::npos);
     const auto folder = std::filesystem::canonical(dir_.file("result"));
     EXPECT_NE(result.out.find(folder.string()), std::string::npos) << result.out;
-    for (const char* file : {"modal-test.trc", "modal-test.vpj"})
+    for (const char* file : {"modal-test.trc", "modal-test.vpj", "frf.png", "coherence.png", "octave.png", "overview-force.png",
+                             "overview-responses.png"})
         EXPECT_TRUE(std::filesystem::exists(folder / file)) << file;
 }
 

@@ -6,6 +6,7 @@
 #include "analysis/ChannelFiles.h"
 #include "cli/Failure.h"
 #include "cli/Progress.h"
+#include "demo/DemoPlots.h"
 #include "demo/DemoReport.h"
 #include "demo/ModalRecording.h"
 #include "nvdl/IProject.h"
@@ -142,9 +143,7 @@ bool runDemo(const DemoOptions& options, std::string& report, std::string& error
     analysis::TimeRecords channels;
     if (!analysis::gatherTimeRecords(workspace, channels, error)) return false;
     const std::vector<std::string> names = channelNames();
-    struct {
-        std::vector<IMeasurement*> frfs, coherences;
-    } pictures;
+    DemoPictures pictures;
     std::vector<ComPtr<IMeasurement>> held;
     for (int r = 1; r <= kResponses; ++r) {
         const std::string pair = "(" + names[static_cast<std::size_t>(r)] + "," + names[0] + ")";
@@ -162,17 +161,22 @@ bool runDemo(const DemoOptions& options, std::string& report, std::string& error
         error = "the saved project lacks the bands";
         return false;
     }
+    pictures.bands = bands.get();
+    for (const auto& r : channels.records) pictures.records.push_back(r.get());
 
     std::vector<ModeFound> modes;
     if (!findModes(test, pictures.frfs, pictures.coherences, modes)) {
         error = "an FRF has no lines near a mode";
         return false;
     }
+    std::vector<std::string> written;
+    if (!writeDemoPlots(pictures, options.folder, written, error)) return false;
     project->Close();
 
     report = summary + "\n" + modeTable(modes, {names.begin() + 1, names.end()}) + "\nthird-octave bands of " +
              names[kBandResponse] +
              " (rms m/s², dB re 1 µm/s²):\n" + bandTable(bands.get()) + "\nfiles: " + kRecordingFile + " " + kProjectFile;
+    for (const std::string& file : written) report += " " + file;
     report += "\nin " + std::filesystem::absolute(options.folder).string() + "\n";
     return true;
 }

@@ -1,6 +1,7 @@
 // The main job from end to end on data it makes itself: a recording of a known modal structure,
 // loaded into a new project, analysed (autopowers, crosspowers, H1 FRFs and coherences to the
-// force, third-octave bands of one response), saved as a project file, loaded again and reported.
+// force, third-octave bands of one response), saved as a project file, loaded again, reported and
+// pictured.
 #pragma once
 
 #include <filesystem>
