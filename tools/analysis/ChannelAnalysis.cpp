@@ -68,7 +68,9 @@ bool check(HRESULT status, const char* step, std::string& error) {
 }
 
 // The block measurement of a record: a time record of `samples` samples with the record's sampling
-// step, names and dimensions, and its window, made once. Making the window leaves the window's
+// step, names and dimensions, and its window, made once. It names no storage units: the operators
+// carry texts over unchanged, while they work the dimensions out, and readers take a dimension's
+// own unit when there is no text (the recording's values are in those units already). Making the window leaves the window's
 // noise bandwidth in the block's BandwidthCorrectionFactor, and every spectrum made from the block
 // carries it on.
 bool prepare(Channel& c, long samples, LONG window, std::string& error) {
@@ -87,8 +89,6 @@ bool prepare(Channel& c, long samples, LONG window, std::string& error) {
     LONG channel = 0;
     c.record->get_ResponseChannel(&channel);
     b->put_ResponseChannel(channel);
-    putText(b, &IMeasurement::put_StorageUnitX, textOf(c.record, &IMeasurement::get_StorageUnitX));
-    putText(b, &IMeasurement::put_StorageUnitY, textOf(c.record, &IMeasurement::get_StorageUnitY));
     shareDimension(c.record, b, &IMeasurement::get_XdDimension, &IMeasurement::put_XdDimension);
     shareDimension(c.record, b, &IMeasurement::get_YdDimension, &IMeasurement::put_YdDimension);
     b->put_WindowType(Variant::fromLong(window));
