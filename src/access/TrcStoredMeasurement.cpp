@@ -2,6 +2,8 @@
 // autopower, an FRF...) or one of its sub-measurements, with its header as stored and the first
 // picture of its curves; its address in the file lets later reads page through the rest.
 #include <cstdio>
+#include <string>
+#include <type_traits>
 
 #include "access/TrcMeasurementFill.h"
 #include "frame/ClassTable.h"
@@ -15,48 +17,43 @@ namespace nvdl::access {
 
 namespace {
 
-HRESULT putCode(CMeasurement& m, HRESULT (CMeasurement::*put)(VARIANT), long code) {
-    Variant value = Variant::fromLong(code);
-    return (m.*put)(value);
+using Block = trc::MeasurementHeaderBlock;
+using PutField = void (*)(CMeasurement& m, const Block& from);
+
+// The row of a member of the header's block and the measurement's setter of the same value: texts
+// go in as texts, enumerations as their codes, numbers as they are.
+template <auto Field, auto Put>
+constexpr PutField row() {
+    return [](CMeasurement& m, const Block& from) {
+        const auto& value = from.*Field;
+        if constexpr (std::is_same_v<std::remove_cvref_t<decltype(value)>, std::string>) {
+            putText(m, Put, value.c_str());
+        } else if constexpr (std::is_invocable_v<decltype(Put), CMeasurement&, VARIANT>) {
+            Variant code = Variant::fromLong(value);
+            (m.*Put)(code);
+        } else {
+            (m.*Put)(value);
+        }
+    };
 }
+#define NVDL_HEADER_FIELD(name) row<&Block::name, &CMeasurement::put_##name>()
 
 // The header's fields into the measurement, one to one.
-void putHeader(CMeasurement& m, const trc::CTrcMeasurementHeaderSection& h) {
-    putText(m, &CMeasurement::put_Name, h.GetName());
-    putCode(m, &CMeasurement::put_FunctionType, h.GetFunctionType());
-    putText(m, &CMeasurement::put_Response, h.GetResponse());
-    m.put_ResponseChannel(h.GetResponseChannel());
-    putText(m, &CMeasurement::put_Reference, h.GetReference());
-    m.put_ReferenceChannel(h.GetReferenceChannel());
-    m.put_Complex(h.GetComplex() ? -1 : 0);
-    putCode(m, &CMeasurement::put_XAxisType, h.GetXAxisType());
-    m.put_XStart(h.GetXStart());
-    m.put_XIncrement(h.GetXIncrement());
-    putText(m, &CMeasurement::put_StorageUnitX, h.GetStorageUnitX());
-    putText(m, &CMeasurement::put_StorageUnitY, h.GetStorageUnitY());
-    putText(m, &CMeasurement::put_XDimension, h.GetXDimension());
-    putText(m, &CMeasurement::put_YDimension, h.GetYDimension());
-    putText(m, &CMeasurement::put_ZDimension, h.GetZDimension());
-    putCode(m, &CMeasurement::put_AveragingType, h.GetAveragingType());
-    m.put_AveragingParameter(h.GetAveragingParameter());
-    m.put_Averages(h.GetAverages());
-    m.put_Overlap(h.GetOverlap());
-    putCode(m, &CMeasurement::put_WindowType, h.GetWindowType());
-    m.put_WindowParameter(h.GetWindowParameter());
-    m.put_MeasurementTime(h.GetMeasurementTime());
-    putText(m, &CMeasurement::put_TestId, h.GetTestId());
-    putText(m, &CMeasurement::put_FunctionQualifier, h.GetFunctionQualifier());
-    putText(m, &CMeasurement::put_AcousticWeighting, h.GetAcousticWeighting());
-    putText(m, &CMeasurement::put_Environment, h.GetEnvironment());
-    putText(m, &CMeasurement::put_UserId, h.GetUserId());
-    m.put_Order(h.GetOrder());
-    m.put_RPM(h.GetRPM());
-    m.put_Z(h.GetZ());
-    m.put_BandwidthCorrectionFactor(h.GetBandwidthCorrectionFactor());
-    m.put_Power(h.GetPower());
-    putText(m, &CMeasurement::put_SoftwareRevision, h.GetSoftwareRevision());
-    m.put_CheckOnUnicId(0);
-}
+constexpr PutField kHeaderRows[] = {
+    NVDL_HEADER_FIELD(Name), NVDL_HEADER_FIELD(FunctionType), NVDL_HEADER_FIELD(Response),
+    NVDL_HEADER_FIELD(ResponseChannel), NVDL_HEADER_FIELD(Reference), NVDL_HEADER_FIELD(ReferenceChannel),
+    [](CMeasurement& m, const Block& from) { m.put_Complex(from.Complex ? -1 : 0); },
+    NVDL_HEADER_FIELD(XAxisType), NVDL_HEADER_FIELD(XStart), NVDL_HEADER_FIELD(XIncrement),
+    NVDL_HEADER_FIELD(StorageUnitX), NVDL_HEADER_FIELD(StorageUnitY),
+    NVDL_HEADER_FIELD(XDimension), NVDL_HEADER_FIELD(YDimension), NVDL_HEADER_FIELD(ZDimension),
+    NVDL_HEADER_FIELD(AveragingType), NVDL_HEADER_FIELD(AveragingParameter), NVDL_HEADER_FIELD(Averages),
+    NVDL_HEADER_FIELD(Overlap), NVDL_HEADER_FIELD(WindowType), NVDL_HEADER_FIELD(WindowParameter),
+    NVDL_HEADER_FIELD(MeasurementTime), NVDL_HEADER_FIELD(TestId), NVDL_HEADER_FIELD(FunctionQualifier),
+    NVDL_HEADER_FIELD(AcousticWeighting), NVDL_HEADER_FIELD(Environment), NVDL_HEADER_FIELD(UserId),
+    NVDL_HEADER_FIELD(Order), NVDL_HEADER_FIELD(RPM), NVDL_HEADER_FIELD(Z),
+    NVDL_HEADER_FIELD(BandwidthCorrectionFactor), NVDL_HEADER_FIELD(Power), NVDL_HEADER_FIELD(SoftwareRevision),
+};
+#undef NVDL_HEADER_FIELD
 
 }  // namespace
 
@@ -87,7 +84,8 @@ IMeasurement* CTrcLoader::ReadStoredMeasurement(long measurement, long subMeasur
         return nullptr;
     const Bstr file(std::string_view{GetFilename()}), empty(std::string_view{});
     if (FAILED(m.Location(file.get(), 0, empty.get(), empty.get(), 0))) return nullptr;
-    putHeader(m, *header);
+    for (PutField put : kHeaderRows) put(m, header->GetBlock());
+    m.put_CheckOnUnicId(0);
     if (!fillFirstPicture(*this, m, kStoredMeasurement, measurement, subMeasurement >= 1 ? subMeasurement : -1,
                           header->GetSize()))
         return nullptr;

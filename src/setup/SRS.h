@@ -24,6 +24,8 @@ struct SRSFields {
     std::int16_t Drift = 0;
     std::int16_t Activated = 0;
     std::array<float, kSrsLimitCount> Limits{};
+
+    bool operator==(const SRSFields&) const = default;
 };
 
 class CSRS;

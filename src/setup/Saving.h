@@ -23,6 +23,8 @@ struct SavingFields {
     std::int16_t SaveBlockDataToWorkspace = 0;
     std::int16_t SaveBlockDataToDisk = 0;
     float Percentile = 70.0f;
+
+    bool operator==(const SavingFields&) const = default;
 };
 
 class CSaving;

@@ -34,6 +34,8 @@ struct SetupFields {
     std::int16_t GroupChannels = 0;
     std::int16_t GroupFunctions = -1;
     std::string tag = "20080422";  // the section version tag, kept as read
+
+    bool operator==(const SetupFields&) const = default;
 };
 
 // The tree of storages: the header stream and a sub-storage per section.

@@ -44,7 +44,12 @@ def test_channels_in_physical_units(tmp_path, settings, kind):
     ws = nvdl.Dispatch("nv_bench.Workspace")
     ws.Load(str(run))
     channels = [m for m in ws.Measurements]
-    assert [m.Response for m in channels] == ["Force", "Accel", "Tacho 1"]
+    assert [m.Response for m in channels] == ["Force", "Accel", "Tacho 1"]  # the stored one not asked for
+    assert ws.Setups.Count == 1
+    assert [m.ChannelFileID for m in channels] == ["nv_bench.io_newtrc:Recorder(Input):0",
+                                                   "nv_bench.io_newtrc:Recorder(Input):2",
+                                                   "nv_bench.io_newtrc:Recorder(Rpm):0"]
+    assert all("(%s,%s)" % (m.Response, m.Response) in m.Name for m in channels)
     # Volts to units: 16-bit samples are full-scale counts of the range; "Accel" has 100 mV per
     # unit; the tacho's range is twice its end rpm, its values rotation speed in rad/s.
     full_scale = {"float": lambda r: 1.0, "int16": lambda r: r / 32767.0}[kind]
@@ -52,7 +57,7 @@ def test_channels_in_physical_units(tmp_path, settings, kind):
     for m, number, scale in zip(channels, (1, 3, 4), scales):
         values = numpy.asarray(m.YRealArray, dtype=numpy.float64)
         numpy.testing.assert_allclose(values, stored(number, 256) * scale, rtol=1e-5)
-        assert m.CompressionFactor == 1.0
+        assert m.CompressionFactor == 1.0 and m.XIncrement == pytest.approx(1e-3)
 
 
 def test_long_channel_gives_reduced_picture_and_raw_spans(tmp_path, settings):

@@ -1,6 +1,7 @@
 // The arithmetic and the queue of the reduced read: plans, read pieces, pairs, chunks in and out.
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <vector>
 
 #include "access/TrcCompressionPlan.h"
@@ -36,10 +37,9 @@ TEST(TrcCompressionPlan, PlansStepsAndRefusesBadInput) {
         ASSERT_EQ(PlanCompression(c.start, c.count, c.fileSamples, c.maximum, c.feature, plan), c.ok) << c.count;
         if (!c.ok) continue;
         EXPECT_FLOAT_EQ(plan.factor, c.plan.factor) << c.count;
-        EXPECT_EQ(plan.uncompleted, c.plan.uncompleted) << c.count;
-        EXPECT_EQ(plan.useful, c.plan.useful) << c.count;
-        EXPECT_EQ(plan.stepLength, c.plan.stepLength) << c.count;
-        EXPECT_EQ(plan.steps, c.plan.steps) << c.count;
+        EXPECT_EQ(std::tuple(plan.uncompleted, plan.useful, plan.stepLength, plan.steps),
+                  std::tuple(c.plan.uncompleted, c.plan.useful, c.plan.stepLength, c.plan.steps))
+            << c.count;
     }
 }
 
@@ -113,10 +113,8 @@ TEST(TrcSampleQueue, TakesAcrossChunksAndKeepsAnOverload) {
         long status = -1;
         float range = -1.0f;
         ASSERT_TRUE(queue.QueueTake(t.n, 4, out.data(), &status, &range));
-        EXPECT_EQ(out, t.values);
-        EXPECT_EQ(status, t.status);
-        EXPECT_EQ(range, t.range);
-        EXPECT_EQ(queue.GetChunkCount(), t.chunksLeft);
+        EXPECT_EQ(std::tuple(out, status, range, queue.GetChunkCount()),
+                  std::tuple(t.values, t.status, t.range, t.chunksLeft));
     }
     float out[2];
     long status;

@@ -1,7 +1,7 @@
 // Reduced reads of recorded channels and stored measurements, against the reduction worked out here
-// from the values the recording was written with.
+// from the values the recording was written with; reads answered by the min/max cache against
+// those answered by the file.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "../project/SettingsFileTest.h"
+#include "LoaderTest.h"
 #include "RecordingBuilder.h"
 #include "access/TrcCompressionPlan.h"
 #include "access/TrcLoader.h"
@@ -28,6 +28,7 @@ struct Picture {
     float factor = 0, range = 0;
     int uncompleted = -1, useful = -1;
     long status = -1;
+    bool operator==(const Picture&) const = default;
 };
 
 Picture readCompressed(CTrcLoader& loader, long kind, long channel, long sub, std::int64_t n, std::int64_t start,
@@ -84,12 +85,13 @@ float stored(long number, std::int64_t i) {
     return static_cast<float>((i * 7919 + number * 31) % 2001 - 1000);
 }
 
-class TrcCompressionRead : public nvdl::test::SettingsFileTest {
+class TrcCompressionRead : public LoaderTest {
 protected:
-    std::string path(const char* name) const { return (dir_ / name).string(); }
-    void settings(long maxBlock, int feature) {
-        writeSettings({{"HKEY_CURRENT_USER\\Software\\norvane instruments\\Sonvara\\CurrentVersion\\Settings",
-                        {{"MaxBlockSize", std::to_string(maxBlock)}, {"LongFileFeature", std::to_string(feature)}}}});
+    Picture read(const char* file, long kind, long channel, long sub, std::int64_t n, std::int64_t start,
+                 std::int64_t count, std::size_t length) {
+        CTrcLoader loader;
+        EXPECT_TRUE(loader.OpenFile(path(file).c_str())) << file;
+        return readCompressed(loader, kind, channel, sub, n, start, count, length);
     }
     // Inputs "a" (range 10, V), "b" (range 5, sensitivity 250 mV/EU: factor 4) and a tacho of 3000 rpm.
     static RecordingPlan recording(bool floats) {
@@ -146,52 +148,80 @@ TEST_F(TrcCompressionRead, RecordedChannelsMatchTheirReduction) {
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
         settings(c.maxBlock, c.feature);
-        CTrcLoader loader;
-        ASSERT_TRUE(loader.OpenFile(path(c.floats ? "f.trc" : "i.trc").c_str()));
         const Expected e = expected(physical(recording(c.floats), c.channel), kSamples, c.start, c.count, c.maxBlock,
                                     c.feature);
-        const Picture p = readCompressed(loader, c.kind, c.channel, -1, kSamples, c.start, c.count, e.values.size());
+        const Picture p =
+            read(c.floats ? "f.trc" : "i.trc", c.kind, c.channel, -1, kSamples, c.start, c.count, e.values.size());
         ASSERT_TRUE(p.ok);
         EXPECT_EQ(p.y, e.values);
         EXPECT_TRUE(p.x.empty() && p.imag.empty());
-        EXPECT_EQ(p.factor, e.plan.factor);
-        EXPECT_EQ(p.uncompleted, e.plan.uncompleted);
-        EXPECT_EQ(p.useful, e.plan.useful);
-        EXPECT_EQ(p.status, 0);
-        EXPECT_EQ(p.range, c.range);
+        EXPECT_EQ(std::tuple(p.factor, p.uncompleted, p.useful, p.status, p.range),
+                  std::tuple(e.plan.factor, e.plan.uncompleted, e.plan.useful, 0L, c.range));
     }
 }
 
 TEST_F(TrcCompressionRead, StatusAndRangeOfTheScansTaken) {
-    struct Case {
+    using Status = long (*)(long, long);
+    const Status overloadAt7 = [](long, long scan) { return scan == 7 ? 1L : 0L; };
+    const struct {
         const char* name;
-        std::function<long(long, long)> status;
+        Status status;
         float range;
         std::int64_t start;
         long expectStatus;
         float expectRange;
-    };
-    const Case cases[] = {
-        {"an overload stays", [](long, long scan) { return scan == 7 ? 1L : 0L; }, 10.0f, 0, 1, 10.0f},
+    } cases[] = {
+        {"an overload stays", overloadAt7, 10.0f, 0, 1, 10.0f},
         {"a held overload stays over a later one", [](long, long scan) { return scan == 3 ? 2L : scan > 3; }, 10.0f,
          0, 2, 10.0f},
-        {"scans before the span do not count", [](long, long scan) { return scan == 7 ? 1L : 0L; }, 10.0f, 8 * kBlock,
-         0, 10.0f},
+        {"scans before the span do not count", overloadAt7, 10.0f, 8 * kBlock, 0, 10.0f},
         {"ranges above 20 report 20", [](long, long) { return 0L; }, 100.0f, 0, 0, 20.0f},
     };
     settings(100, 1);
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
         RecordingPlan plan = recording(true);
         plan.status = c.status;
         plan.inputs[0].range = c.range;
         ASSERT_TRUE(writeRecording(path("s.trc"), plan));
-        CTrcLoader loader;
-        ASSERT_TRUE(loader.OpenFile(path("s.trc").c_str()));
-        const Picture p = readCompressed(loader, 1, 1, -1, kSamples, c.start, kSamples - c.start, 100);
+        const Picture p = read("s.trc", 1, 1, -1, kSamples, c.start, kSamples - c.start, 100);
         ASSERT_TRUE(p.ok);
-        EXPECT_EQ(p.status, c.expectStatus);
-        EXPECT_EQ(p.range, c.expectRange);
+        EXPECT_EQ(std::pair(p.status, p.range), std::pair(c.expectStatus, c.expectRange));
+    }
+}
+
+// The first whole read of a channel builds its min/max cache, later reads of any span take it;
+// removing the cache brings back the file's reading, which must give the same values, status and range.
+TEST_F(TrcCompressionRead, CachedReadsEqualFileReads) {
+    settings(64, 1);
+    for (bool floats : {true, false}) {
+        SCOPED_TRACE(floats ? "float" : "16-bit");
+        RecordingPlan plan;
+        plan.floats = floats;
+        plan.block = 100;
+        plan.scans = 30;
+        // A falling unit conversion (negative sensitivity) swaps each step's extremes.
+        plan.inputs = {{"Falling", 4.0f, true, "V", -2.0f, "V/EU"}};
+        plan.tachoEndRpm = {1500.0f};
+        plan.sample = [](long number, std::int64_t i) { return static_cast<float>((i * 7919 + number * 13) % 2001 - 1000); };
+        plan.status = [](long number, long scan) { return number == 1 && scan == 17 ? 1L : 0L; };
+        const char* file = floats ? "f.trc" : "i.trc";
+        ASSERT_TRUE(writeRecording(path(file), plan));
+        const std::int64_t n = 3000, spans[][2] = {{0, n}, {0, n - 1}, {37, 2500}, {1234, 1700}, {999, 640}};
+        for (long channel : {1L, 2L}) {
+            const long kind = channel == 1 ? 1 : 2;
+            ASSERT_TRUE(read(file, kind, channel, -1, n, 0, n, 64).ok);
+            const std::string cache = path(file) + (kind == 1 ? ".in1.mmx" : ".tacho2.mmx");
+            ASSERT_TRUE(std::filesystem::exists(cache)) << cache;
+            std::vector<Picture> cached;
+            for (const auto& s : spans) cached.push_back(read(file, kind, channel, -1, n, s[0], s[1], 64));
+            for (std::size_t k = 0; k < std::size(spans); ++k) {
+                std::filesystem::remove(cache);  // a whole read builds it again
+                const Picture fromFile = read(file, kind, channel, -1, n, spans[k][0], spans[k][1], 64);
+                EXPECT_TRUE(fromFile.ok);
+                EXPECT_EQ(cached[k], fromFile) << "channel " << channel << " span " << spans[k][0];
+            }
+        }
     }
 }
 
@@ -206,10 +236,8 @@ TEST_F(TrcCompressionRead, RecordingThatEndsEarlyGivesWhatItHolds) {
         cutAt = probe.GetRecorder().GetInputSection().GetGeometry().scanOffset(26);  // scans 26.. are gone
     }
     std::filesystem::resize_file(path("cut.trc"), static_cast<std::uintmax_t>(cutAt));
-    CTrcLoader loader;
-    ASSERT_TRUE(loader.OpenFile(path("cut.trc").c_str()));
     const Expected e = expected(physical(plan, 1), kSamples, 0, kSamples, 100, 1, 25 * kBlock);
-    const Picture p = readCompressed(loader, 1, 1, -1, kSamples, 0, kSamples, 100);
+    const Picture p = read("cut.trc", 1, 1, -1, kSamples, 0, kSamples, 100);
     ASSERT_TRUE(p.ok);
     EXPECT_EQ(p.y, e.values);
     EXPECT_NE(p.y[60], 0.0f);  // steps up to the cut are there
@@ -220,17 +248,15 @@ TEST_F(TrcCompressionRead, StoredMeasurementsAndTheirSubMeasurements) {
     RecordingPlan plan = recording(true);
     plan.stored = {{"real", 3000, false, 1, 2}, {"complex", 4096, true, 1102}, {"short", 30}};
     ASSERT_TRUE(writeRecording(path("m.trc"), plan));
-    struct Case {
+    using Values = std::function<float(std::int64_t)>;
+    auto of = [](float (*f)(long, long), long m) -> Values { return [=](std::int64_t i) { return f(m, static_cast<long>(i)); }; };
+    const struct {
         const char* name;
         long channel, sub;
         std::int64_t start, count;
         int ok;
-        std::function<float(std::int64_t)> x, re, im;
-    };
-    auto of = [](float (*f)(long, long), long m) {
-        return [=](std::int64_t i) { return f(m, static_cast<long>(i)); };
-    };
-    const Case cases[] = {
+        Values x, re, im;
+    } cases[] = {
         {"real, whole", 1, -1, 0, 3000, 1, {}, of(storedValue, 1), {}},
         {"sub-channel 0 is the measurement", 1, 0, 0, 3000, 1, {}, of(storedValue, 1), {}},
         {"a sub-measurement", 1, 2, 100, 2500, 1, {}, of(storedValue, 102), {}},
@@ -242,21 +268,18 @@ TEST_F(TrcCompressionRead, StoredMeasurementsAndTheirSubMeasurements) {
         {"complex, short span", 2, -1, 10, 50, 1, of(storedX, 2), of(storedValue, 2), of(storedImag, 2)},
     };
     settings(100, 1);
-    for (const Case& c : cases) {
+    for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        CTrcLoader loader;
-        ASSERT_TRUE(loader.OpenFile(path("m.trc").c_str()));
         const std::int64_t n = plan.stored[static_cast<std::size_t>(std::min(c.channel, 3L) - 1)].size;
+        auto picture = [&](const Values& v) { return v ? expected(v, n, c.start, c.count, 100, 1).values : std::vector<float>{}; };
         const Expected e = expected(c.re ? c.re : of(storedValue, 1), n, c.start, c.count, 100, 1);
-        const Picture p = readCompressed(loader, 3, c.channel, c.sub, n, c.start, c.count, e.values.size());
+        const Picture p = read("m.trc", 3, c.channel, c.sub, n, c.start, c.count, e.values.size());
         ASSERT_EQ(p.ok, c.ok);
         if (!c.ok) continue;
         EXPECT_EQ(p.y, e.values);
-        EXPECT_EQ(p.factor, e.plan.factor);
-        EXPECT_EQ(p.x, c.x ? expected(c.x, n, c.start, c.count, 100, 1).values : std::vector<float>{});
-        EXPECT_EQ(p.imag, c.im ? expected(c.im, n, c.start, c.count, 100, 1).values : std::vector<float>{});
-        EXPECT_EQ(p.status, 0);
-        EXPECT_EQ(p.range, 20.0f);
+        EXPECT_EQ(p.x, picture(c.x));
+        EXPECT_EQ(p.imag, picture(c.im));
+        EXPECT_EQ(std::tuple(p.factor, p.status, p.range), std::tuple(e.plan.factor, 0L, 20.0f));
     }
 
     // A short source shrinks the values of every later read of the same loader.

@@ -29,6 +29,7 @@ TEST(TrcChannelRun, AnswersAsTheChannelSectionDoes) {
         {"an unused input and a tacho (pieces)", true, {{"a"}, {"b", 10.0f, false}, {"c"}}, {1000.0f}},
     };
     nvdl::test::TempDir dir;
+    const std::string path = dir.file("r.trc").string();
     for (const Shape& shape : shapes) {
         RecordingPlan plan;
         plan.floats = shape.floats;
@@ -38,7 +39,6 @@ TEST(TrcChannelRun, AnswersAsTheChannelSectionDoes) {
         plan.tachoEndRpm = shape.tachos;
         plan.status = [](long number, long scan) { return (number + scan) % 3L; };
         plan.range = [](long number, long scan) { return static_cast<float>(number * 10 + scan); };
-        const std::string path = dir.file("r.trc").string();
         ASSERT_TRUE(writeRecording(path, plan));
         const std::int64_t full = static_cast<std::int64_t>(std::filesystem::file_size(path));
         std::int64_t stride;
@@ -55,13 +55,14 @@ TEST(TrcChannelRun, AnswersAsTheChannelSectionDoes) {
             const long inputs = static_cast<long>(shape.inputs.size());
             const std::int64_t b = plan.block, d = shape.floats ? 4 : 2;
             for (long number = 1; number <= inputs + static_cast<long>(shape.tachos.size()); ++number) {
-                CTrcRecorderChannelSection& part = number > inputs
-                                                       ? static_cast<CTrcRecorderChannelSection&>(trc.GetRecorder().GetTachoSection())
-                                                       : trc.GetRecorder().GetInputSection();
+                auto& recorder = trc.GetRecorder();
+                CTrcRecorderChannelSection& part =
+                    number > inputs ? static_cast<CTrcRecorderChannelSection&>(recorder.GetTachoSection())
+                                    : recorder.GetInputSection();
                 // A window of one scan at a time, and one that reaches to the end.
                 for (const std::int64_t end : {b, b * plan.scans}) {
-                    SCOPED_TRACE(std::string(shape.name) + " channel " + std::to_string(number) + " cut " +
-                                 std::to_string(cut) + " end " + std::to_string(end));
+                    SCOPED_TRACE(::testing::Message() << shape.name << " channel " << number << " cut " << cut
+                                                      << " end " << end);
                     ChannelRunReader reader;
                     reader.Begin(part, trc.GetFile(), number, end);
                     ChannelRunReader::Run first;
@@ -74,10 +75,7 @@ TEST(TrcChannelRun, AnswersAsTheChannelSectionDoes) {
                             ASSERT_EQ(reader.ReadChannel(position, count, run), ok) << position << " " << count;
                             if (!ok) continue;
                             EXPECT_EQ(std::memcmp(run.data, want.data(), want.size()), 0) << position << " " << count;
-                            if (!first.data && run.keep) {
-                                first = run;
-                                firstBytes = want;
-                            }
+                            if (!first.data && run.keep) first = run, firstBytes = want;
                         }
                     }
                     // A run that is held stays as it was, whatever was read after it.
@@ -89,9 +87,9 @@ TEST(TrcChannelRun, AnswersAsTheChannelSectionDoes) {
                         const int ok = part.ReadInfo(scan, number, want);
                         ASSERT_EQ(reader.ReadInfo(scan, got), ok) << scan;
                         if (!ok) continue;
-                        EXPECT_EQ(got.GetVersionNumber(), want.GetVersionNumber()) << scan;
-                        EXPECT_EQ(got.GetStatus(), want.GetStatus()) << scan;
-                        EXPECT_EQ(got.GetRange(), want.GetRange()) << scan;
+                        EXPECT_EQ(std::tuple(got.GetVersionNumber(), got.GetStatus(), got.GetRange()),
+                                  std::tuple(want.GetVersionNumber(), want.GetStatus(), want.GetRange()))
+                            << scan;
                     }
                     reader.End();
                 }

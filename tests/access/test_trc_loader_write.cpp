@@ -3,7 +3,7 @@
 
 #include <fstream>
 
-#include "../project/SettingsFileTest.h"
+#include "LoaderTest.h"
 #include "access/SetupAccess.h"
 #include "access/TrcLoader.h"
 #include "recording/TrcRecorderSection.h"
@@ -17,11 +17,11 @@ namespace {
 
 constexpr long B = 8;
 
-class TrcLoaderWrite : public test::SettingsFileTest {
+class TrcLoaderWrite : public testing::LoaderTest {
 protected:
     // Three inputs of range 4, the middle one unused; blocksize B, three scans.
     void SetUp() override {
-        SettingsFileTest::SetUp();
+        LoaderTest::SetUp();
         sectionOf<CAcquisition>(setup(), &CSetup::get_Acquisition)->m_fields.Blocksize = B;
         sectionOf<CProcessing>(setup(), &CSetup::get_Processing)->m_fields.AverageNumber = 3;
         for (std::int32_t usage : {1, 0, 1}) {
@@ -31,7 +31,6 @@ protected:
         }
     }
     CSetup& setup() { return *frameOf<CSetup>(object.get()); }
-    std::string path(const char* name) const { return (dir_ / name).string(); }
     ComPtr<IDispatch> object{CSetup::create()};
 };
 
@@ -85,8 +84,8 @@ TEST_F(TrcLoaderWrite, ScansStatusRecordsCreatorAndScanCountComeBack) {
 TEST_F(TrcLoaderWrite, TestDefinitionIsEmbeddedWhole) {
     std::string content(5000, 'x');  // more than one piece
     for (std::size_t i = 0; i < content.size(); i += 7) content[i] = static_cast<char>(i);
-    std::ofstream(dir_ / "plan.tdf", std::ios::binary) << content;
     const std::string definition = path("plan.tdf");
+    std::ofstream(definition, std::ios::binary) << content;
     CTrcLoader writer;
     EXPECT_FALSE(writer.SetTestDefinitionFile(definition.c_str()));  // nothing armed
     ASSERT_TRUE(writer.PrepareNew(path("def.trc").c_str()));

@@ -19,45 +19,9 @@ using Settings = std::map<std::string, long>;
 
 const char* const kUnits[] = {"Pa", "m/s^2", "V"};
 
-std::string narrowAscii(const char16_t* text) {
-    std::string out;
-    for (; text && *text; ++text) out += static_cast<char>(*text);
-    return out;
-}
-
 BSTR ascii(const std::string& text) { return nvdl::allocBstr(std::u16string(text.begin(), text.end())); }
 
-// IUnknown and IDispatch of an object of one interface; nothing is late bound.
-template <class I>
-class Object : public I {
-public:
-    HRESULT QueryInterface(REFIID riid, void** ppv) override {
-        if (!ppv) return E_POINTER;
-        *ppv = nullptr;
-        if (riid != IID_IUnknown && riid != IID_IDispatch && riid != I::iid) return E_NOINTERFACE;
-        *ppv = static_cast<I*>(this);
-        AddRef();
-        return S_OK;
-    }
-    ULONG AddRef() override { return ++m_cRef; }
-    ULONG Release() override {
-        const ULONG left = --m_cRef;
-        if (left == 0) delete this;
-        return left;
-    }
-    HRESULT GetTypeInfoCount(unsigned*) override { return E_NOTIMPL; }
-    HRESULT GetTypeInfo(unsigned, LCID, ITypeInfo**) override { return E_NOTIMPL; }
-    HRESULT GetIDsOfNames(REFIID, OLECHAR**, unsigned, LCID, DISPID*) override { return E_NOTIMPL; }
-    HRESULT Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS*, VARIANT*, EXCEPINFO*, unsigned*) override { return E_NOTIMPL; }
-
-protected:
-    virtual ~Object() = default;
-
-private:
-    ULONG m_cRef = 1;
-};
-
-class TestSetup final : public Object<ITeacSetup> {
+class TestSetup final : public nvdl::test::PluginObject<ITeacSetup> {
 public:
     explicit TestSetup(Settings settings) : m_settings(std::move(settings)) {}
 
@@ -73,7 +37,7 @@ public:
     HRESULT ChannelParameter(LONG channel, BSTR name, BSTR* value) override {
         if (!value) return E_POINTER;
         *value = nullptr;
-        if (narrowAscii(name) != "Y Unit Label" || channel < 0) return E_INVALIDARG;
+        if (nvdl::test::narrowAscii(name) != "Y Unit Label" || channel < 0) return E_INVALIDARG;
         *value = ascii(kUnits[channel % 3]);
         return S_OK;
     }
@@ -88,11 +52,11 @@ private:
     Settings m_settings;
 };
 
-class TestReader final : public Object<ITeacReader> {
+class TestReader final : public nvdl::test::PluginObject<ITeacReader> {
 public:
     HRESULT Open(BSTR file, LONG* status) override {
         if (!status) return E_POINTER;
-        std::ifstream in(narrowAscii(file));
+        std::ifstream in(nvdl::test::narrowAscii(file));
         std::string name;
         long value = 0;
         m_settings = {{"status", 0}, {"closed", 0}};

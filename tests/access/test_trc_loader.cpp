@@ -1,9 +1,10 @@
-// Scans read from recordings in physical units, and the tacho's samples of a scan.
+// The loader's settings, file states and conversions; scans read from recordings in physical units,
+// and the tacho's samples of a scan.
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-#include "../project/SettingsFileTest.h"
+#include "LoaderTest.h"
 #include "RecordingBuilder.h"
 #include "access/TrcLoader.h"
 
@@ -16,12 +17,12 @@ namespace {
 const std::pair<InputPlan, float> kInputs[] = {
     {{"plain", 10.0f}, 1.0f},
     {{"unused", 10.0f, false}, 1.0f},
-    {{"charge", 5.0f, true, "V", 100.0f, "mV/EU"}, 10.0f},
+    {{"charge", 5.0f, true, "V", 100.0f, "mv/eu"}, 10.0f},  // the type's case does not matter
     {{"gained", 2.0f, true, "V", 2.0f, "V/EU", 4.0f}, 0.5f},
     {{"milli", 1.0f, true, "mV", 1.0f, "V/EU"}, 0.001f},
 };
 
-class TrcLoaderScans : public nvdl::test::SettingsFileTest {
+class TrcLoader : public LoaderTest {
 protected:
     RecordingPlan plan(bool floats, std::vector<float> tachos = {}) {
         RecordingPlan p;
@@ -35,9 +36,8 @@ protected:
         return p;
     }
     void open(CTrcLoader& loader, const RecordingPlan& p) {
-        const std::string name = (dir_ / "r.trc").string();
-        ASSERT_TRUE(writeRecording(name, p));
-        ASSERT_TRUE(loader.OpenFile(name.c_str()));
+        ASSERT_TRUE(writeRecording(path("r.trc"), p));
+        ASSERT_TRUE(loader.OpenFile(path("r.trc").c_str()));
     }
     // A stored sample in range units: 16-bit samples scale by the range.
     static float inRange(const RecordingPlan& p, long number, std::int64_t i, float range) {
@@ -48,7 +48,59 @@ protected:
     float range[8] = {};
 };
 
-TEST_F(TrcLoaderScans, ScansComeInPhysicalUnitsWithStatusAndRangeAndMoveTheCursor) {
+TEST_F(TrcLoader, SettingsGiveBlockSizeAndFeature) {
+    settings({});
+    EXPECT_EQ(std::pair(CTrcLoader().GetMaxBlockSize(), CTrcLoader().GetLongFileFeature()), std::pair(32768L, 0));
+    settings(1000, 1);
+    CTrcLoader configured;
+    EXPECT_EQ(std::pair(configured.GetMaxBlockSize(), configured.GetLongFileFeature()), std::pair(1000L, 1));
+    ASSERT_TRUE(configured.SetMaxBlockSize(4096));
+    EXPECT_EQ(CTrcLoader().GetMaxBlockSize(), 4096);  // kept in the settings
+}
+
+TEST_F(TrcLoader, OpenCloseAndDataFormat) {
+    RecordingPlan plan;
+    plan.floats = false;
+    plan.inputs = {{"a"}};
+    ASSERT_TRUE(writeRecording(path("r.trc"), plan));
+    CTrcLoader loader;
+    long bits = 0;
+    float scaling = 0.0f;
+    EXPECT_FALSE(loader.GetDataFormat(&bits, &scaling));  // nothing open
+    EXPECT_FALSE(loader.OpenFile(""));
+    EXPECT_FALSE(loader.OpenFile(path("missing.trc").c_str()));
+    ASSERT_TRUE(loader.OpenFile(path("r.trc").c_str()));
+    ASSERT_TRUE(loader.GetDataFormat(&bits, &scaling));
+    EXPECT_EQ(bits, 16);
+    ASSERT_TRUE(loader.PrepareNew(path("new.trc").c_str()));  // closes the open file first
+    EXPECT_FALSE(loader.IsFileOpened());
+    EXPECT_EQ(loader.GetPreviousName(), "");
+    for (long asked : {16L, 24L}) {
+        ASSERT_TRUE(loader.SetDataFormat(asked, 1.0f));
+        EXPECT_EQ(loader.GetRecorder().GetHeader().GetDataSize(), 0) << asked;
+    }
+    ASSERT_TRUE(loader.SetDataFormat(32, 2.5f));
+    EXPECT_NE(loader.GetRecorder().GetHeader().GetDataSize(), 0);
+    loader.CloseFile();
+    EXPECT_EQ(loader.GetPreviousName(), path("new.trc"));
+    EXPECT_FALSE(loader.SetDataFormat(32, 1.0f));  // neither open nor armed
+}
+
+TEST(TrcLoaderConversions, SamplesScansAndOffsets) {
+    EXPECT_FLOAT_EQ(CTrcLoader::ScaleSample(32767, CTrcLoader::ScaleOfRange(0.0f)), 1.0f);  // no range: full scale 1
+    EXPECT_EQ(CTrcLoader::ScaleSample(100, 0.0f), 0.0f);
+    struct Case { std::int64_t sample, total; long block, scan; };
+    for (const Case& c : {Case{2500, 2000, 1000, 2}, Case{1999, 2000, 1000, 1}, Case{0, 2000, 1000, 0},
+                          Case{-1, 2000, 1000, -1}, Case{5, 0, 1000, -1}, Case{5, 2000, 0, -1}})
+        EXPECT_EQ(CTrcLoader::ScanFromSample(c.sample, c.total, c.block), c.scan) << c.sample;
+    // A unit with a scale: millivolts are a thousandth of a volt, the channel offset in those units.
+    float offset = 0.0f, factor = 0.0f;
+    ASSERT_TRUE(CTrcLoader::GetUnitConversion("mV", 1.0f, "V/EU", 0.0f, 2.0f, &offset, &factor));
+    EXPECT_FLOAT_EQ(factor, 0.001f);
+    EXPECT_FLOAT_EQ(offset, -0.002f);
+}
+
+TEST_F(TrcLoader, ScansComeInPhysicalUnitsWithStatusAndRangeAndMoveTheCursor) {
     const long numbers[] = {5, 1, 3, 4};
     for (bool floats : {true, false})
         for (int convert : {1, 0}) {
@@ -73,7 +125,7 @@ TEST_F(TrcLoaderScans, ScansComeInPhysicalUnitsWithStatusAndRangeAndMoveTheCurso
         }
 }
 
-TEST_F(TrcLoaderScans, RefusedReadsLeaveTheCursorAndAWindowMovesOnlyTheSamples) {
+TEST_F(TrcLoader, RefusedReadsLeaveTheCursorAndAWindowMovesOnlyTheSamples) {
     const RecordingPlan p = plan(true);
     CTrcLoader loader;
     open(loader, p);
@@ -92,7 +144,7 @@ TEST_F(TrcLoaderScans, RefusedReadsLeaveTheCursorAndAWindowMovesOnlyTheSamples) 
     EXPECT_EQ(range[0], p.range(1, 1));
 }
 
-TEST_F(TrcLoaderScans, RpmScanReadsTheOneTachoOfTheNextScanWithoutMovingTheCursor) {
+TEST_F(TrcLoader, RpmScanReadsTheOneTachoOfTheNextScanWithoutMovingTheCursor) {
     const long one[] = {1};
     for (bool floats : {true, false}) {
         const RecordingPlan p = plan(floats, {3000.0f});
