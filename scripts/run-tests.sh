@@ -7,6 +7,7 @@ jobs=$(nproc)
 
 scripts/setup.sh build
 (cd build && ctest --output-on-failure -j "$jobs")
+echo "run-tests: normal build and tests done after ${SECONDS} s"
 
 scripts/setup.sh build-asan -DNVDL_SANITIZE=ON -DNVDL_BENCH=OFF
 # Python loads the sanitized module into an uninstrumented interpreter: preload the runtime (with
@@ -17,6 +18,7 @@ asan_lib="$(gcc -print-file-name=libasan.so) $(gcc -print-file-name=libstdc++.so
    ctest --output-on-failure -j "$jobs" -L cpp)
 (cd build-asan && env LD_PRELOAD="$asan_lib" ASAN_OPTIONS=detect_leaks=0 UBSAN_OPTIONS=print_stacktrace=1 \
    ctest --output-on-failure -j "$jobs" -L python)
+echo "run-tests: sanitizer build and tests done after ${SECONDS} s"
 
 # Short fuzzing runs of the file readers, each on a copy of its seed corpus (clang with libFuzzer):
 # the compound-file layer, the setup readers, the workspace and project file readers, the zip
@@ -32,3 +34,4 @@ for target in compound:fuzz_compound_reader setup:fuzz_setup_reader wkd:fuzz_wkd
   build-fuzz/fuzz/"$fuzzer" -max_total_time=8 -rss_limit_mb=2048 "$fuzz_corpus"
   rm -rf "$fuzz_corpus"
 done
+echo "run-tests: fuzzing done after ${SECONDS} s"
