@@ -158,11 +158,11 @@ def exported(tmp_path):
 
 def test_functions_keep_their_fields_and_values(exported):
     frf, force = exported["functions"]
-    assert (frf["name"], frf["type"], frf["response"], frf["node"]) == ("Drive point", 4, "ACC", 4)
+    assert (frf["name"], frf["type"], frf["response"], frf["node"]) == ("Drive point", 4, "ACC+Z", 4)
     assert (frf["x_label"], frf["x_unit"], frf["y_label"], frf["length_exponent"]) == ("Frequency", "Hz", "Acceleration", 1)
     assert frf["x"] == [10.0, 20.0, 40.0]
     assert frf["re"] == [1.0, 3.0, 0.5] and frf["im"] == [-2.0, 0.0, 6.0]
-    assert (force["type"], force["response"], force["node"], force["direction"]) == (1, "HAMMER", 3, -3)
+    assert (force["type"], force["response"], force["node"], force["direction"]) == (1, "HAMMER-Z", 3, -3)
     assert force["im"] is None
     assert force["x"] == pytest.approx([0.25 + 0.125 * i for i in range(5)])
     assert force["re"] == [1.0, 2.0, 3.0, 4.0, 5.0]

@@ -84,11 +84,15 @@ std::string entityOf(const std::string& name) {
     return e.empty() ? "NONE" : e;
 }
 
+// The name a function gives its response or reference: the whole name from the identification line
+// when it extends the entity name, else the entity name, else the node number; the direction is
+// added when the name does not end with it already, so that it comes back on export.
 std::string nameFromFields(const std::string& entity, long node, int direction, const std::string& idLine) {
-    if (!entity.empty() && idLine.size() > entity.size() && entityOf(idLine) == entity) return idLine;
-    if (!entity.empty()) return entity;
-    if (node == 0 && direction == 0) return {};
-    return std::to_string(node) + directionText(direction);
+    std::string name = entity;
+    if (!entity.empty() && idLine.size() > entity.size() && entityOf(idLine) == entity) name = idLine;
+    if (name.empty() && node != 0) name = std::to_string(node);
+    if (directionOf(name) != direction) name += directionText(direction);
+    return name;
 }
 
 Axis axisOf(const std::string& dimension, const std::string& unit, IDispatch* dimensionObject) {
