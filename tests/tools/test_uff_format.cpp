@@ -54,13 +54,12 @@ File everyDataset() {
     Function doubles = frf;
     doubles.ordinateType = kComplexDouble;
     doubles.re[0] = 1.0 / 3.0;
-    Function singles = time;
-    singles.ordinateType = kRealSingle;
     Function unevenReal = time;
+    unevenReal.ordinateType = kRealSingle;
     unevenReal.even = false;
     unevenReal.x = {0, 1, 3, 7, 15};
     unevenReal.re = {1, 2, 3, 4, 5};
-    f.functions = {time, frf, doubles, singles, unevenReal};
+    f.functions = {time, frf, doubles, unevenReal};
     return f;
 }
 
@@ -120,8 +119,7 @@ TEST(UffFormat, EveryDatasetReadsBackToItsPrintedPrecision) {
 }
 
 // A file as another program might write it: a header dataset this reader does not take, nodes in
-// the older dataset with a lower-case exponent, a trace line, complex mode shapes, and a complex FRF
-// in single precision with uneven abscissa, D exponents, blank optional fields and CRLF line ends.
+// the older dataset with a lower-case exponent, and a complex FRF in single precision with uneven abscissa, D exponents, blank optional fields and CRLF line ends.
 constexpr const char* kForeignFile =
     "    -1\r\n"
     "   151\r\n"
@@ -131,25 +129,6 @@ constexpr const char* kForeignFile =
     "    15\n"
     "         1         0         0         1  0.00000e+00  0.00000E+00  0.00000E+00\n"
     "         2         0         0         1  1.00000E+00  5.00000E-01 -2.50000E-01   \n"
-    "    -1\n"
-    "    -1\n"
-    "    82\n"
-    "         1         3        11\n"
-    "beam\n"
-    "         1         2         1\n"
-    "    -1\n"
-    "    -1\n"
-    "    55\n"
-    "first bending\n"
-    "NONE\n"
-    "NONE\n"
-    "NONE\n"
-    "NONE\n"
-    "         1         2         2         8         5         3\n"
-    "         2         4         1         1\n"
-    "  1.25000E+01  1.00000E+00  2.00000E-02  0.00000E+00\n"
-    "         2\n"
-    "  1.00000E+00  0.00000E+00  0.00000E+00  0.00000E+00 -5.00000E-01  2.50000E-01\n"
     "    -1\n"
     "    -1\r\n"
     "    58\r\n"
@@ -177,16 +156,6 @@ TEST(UffFormat, AFileAsOtherWritersWriteItReadsAsMeant) {
     EXPECT_FALSE(f.nodesAs2411);
     EXPECT_EQ(f.nodes[1].label, 2);
     expectNear({f.nodes[1].x, f.nodes[1].y, f.nodes[1].z}, {1, 0.5, -0.25}, 1e-12);
-    ASSERT_EQ(f.traceLines.size(), 1u);
-    EXPECT_EQ(f.traceLines[0].nodes, (std::vector<long>{1, 2, 1}));
-    EXPECT_EQ(f.traceLines[0].id, "beam");
-    ASSERT_EQ(f.nodeData.size(), 1u);
-    const NodeData& mode = f.nodeData[0];
-    EXPECT_EQ(mode.idLines[0], "first bending");
-    EXPECT_EQ(mode.integers, (std::vector<long>{1, 1}));
-    expectNear(mode.reals, {12.5, 1, 0.02, 0}, 1e-12);
-    ASSERT_EQ(mode.nodes.size(), 1u);
-    expectNear(mode.nodes[0].values, {1, 0, 0, 0, -0.5, 0.25}, 1e-12);
     ASSERT_EQ(f.functions.size(), 1u);
     const Function& frf = f.functions[0];
     EXPECT_EQ(frf.idLines[0], "H acc/force");
