@@ -14,7 +14,7 @@
 
 namespace nvdl::test {
 
-struct MeasurementSpec {
+struct MeasurementRecipe {
     const char* name;
     const char* function;  // enumeration text
     const char* xDimension;
@@ -25,7 +25,7 @@ struct MeasurementSpec {
     const char* reference = "";
 };
 
-inline ComPtr<CMeasurement> buildMeasurement(const MeasurementSpec& s) {
+inline ComPtr<CMeasurement> buildMeasurement(const MeasurementRecipe& s) {
     ComPtr<CMeasurement> m(CMeasurement::createMeasurement());
     IDispatch* d = static_cast<IMeasurement*>(m.get());
     EXPECT_EQ(putText(d, u"Name", s.name), S_OK);

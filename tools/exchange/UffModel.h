@@ -54,7 +54,7 @@ struct TraceLine {
 // kept whole, and the values at each node (real, or real and imaginary interleaved).
 struct NodeData {
     std::array<std::string, 5> idLines;
-    int modelType = 1, analysisType = 2, dataCharacteristic = 2, specificType = 8, dataType = 5, valuesPerNode = 3;
+    int modelType = 1, analysisType = 2, dataCharacteristic = 2, quantityKind = 8, dataType = 5, valuesPerNode = 3;
     std::vector<long> integers;  // record 7 after its two counts: load case, mode number, ...
     std::vector<double> reals;   // record 8
     struct AtNode {

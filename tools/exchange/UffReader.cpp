@@ -193,7 +193,7 @@ void readNodeData(Body& body, File& file) {
     d.modelType = static_cast<int>(asInteger(body, r6[0]));
     d.analysisType = static_cast<int>(asInteger(body, r6[1]));
     d.dataCharacteristic = static_cast<int>(asInteger(body, r6[2]));
-    d.specificType = static_cast<int>(asInteger(body, r6[3]));
+    d.quantityKind = static_cast<int>(asInteger(body, r6[3]));
     d.dataType = static_cast<int>(asInteger(body, r6[4]));
     d.valuesPerNode = static_cast<int>(asInteger(body, r6[5]));
     if (d.dataType != 2 && d.dataType != 5) body.fail("data type " + std::to_string(d.dataType) + " is neither real (2) nor complex (5)");

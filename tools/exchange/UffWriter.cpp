@@ -98,7 +98,7 @@ void writeNodeData(Out& out, const NodeData& d) {
     out.begin(55);
     writeIdLines(out, d.idLines);
     out.integer(d.modelType, 10).integer(d.analysisType, 10).integer(d.dataCharacteristic, 10)
-        .integer(d.specificType, 10).integer(d.dataType, 10).integer(d.valuesPerNode, 10).end();
+        .integer(d.quantityKind, 10).integer(d.dataType, 10).integer(d.valuesPerNode, 10).end();
     std::vector<long> record7{static_cast<long>(d.integers.size()), static_cast<long>(d.reals.size())};
     record7.insert(record7.end(), d.integers.begin(), d.integers.end());
     for (std::size_t i = 0; i < record7.size(); ++i) {
