@@ -25,7 +25,7 @@ echo "run-tests: sanitizer build and tests done after ${SECONDS} s"
 # bundle reader, data blocks and recordings share the minute.
 CC=clang CXX=clang++ cmake -S . -B build-fuzz -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DNVDL_FUZZ=ON -DNVDL_PYTHON=OFF -DNVDL_BENCH=OFF >/dev/null
-for target in compound:fuzz_compound_reader setup:fuzz_setup_reader wkd:fuzz_wkd_reader zip:fuzz_zip_reader vpj:fuzz_vpj_reader datablock:fuzz_datablock_reader trc:fuzz_trc_reader; do
+for target in compound:fuzz_compound_reader setup:fuzz_setup_reader wkd:fuzz_wkd_reader zip:fuzz_zip_reader vpj:fuzz_vpj_reader datablock:fuzz_datablock_reader trc:fuzz_trc_reader uff:fuzz_uff_reader; do
   corpus_name=${target%%:*}
   fuzzer=${target#*:}
   cmake --build build-fuzz --target "$fuzzer" -j "$jobs"

@@ -14,7 +14,7 @@
 
 namespace nvdl::test {
 
-struct MeasurementSpec {
+struct MeasurementRecipe {
     const char* name;
     const char* function;  // enumeration text
     const char* xDimension;
@@ -25,7 +25,7 @@ struct MeasurementSpec {
     const char* reference = "";
 };
 
-inline ComPtr<CMeasurement> buildMeasurement(const MeasurementSpec& s) {
+inline ComPtr<CMeasurement> buildMeasurement(const MeasurementRecipe& s) {
     ComPtr<CMeasurement> m(CMeasurement::createMeasurement());
     IDispatch* d = static_cast<IMeasurement*>(m.get());
     EXPECT_EQ(putText(d, u"Name", s.name), S_OK);
@@ -40,7 +40,9 @@ inline ComPtr<CMeasurement> buildMeasurement(const MeasurementSpec& s) {
     EXPECT_EQ(putText(d, u"Reference", s.reference), S_OK);
     EXPECT_EQ(m->put_XAxisType(Variant::fromLong(s.x.empty() ? kAxisEquidistant : kAxisArbitrary)), S_OK);
     EXPECT_EQ(m->put_XStart(s.xStart), S_OK);
-    EXPECT_EQ(m->put_XIncrement(s.xIncrement), S_OK);
+    if (s.x.empty()) {
+        EXPECT_EQ(m->put_XIncrement(s.xIncrement), S_OK);
+    }
     EXPECT_EQ(m->put_Size(static_cast<LONG>(s.re.size())), S_OK);
     EXPECT_EQ(m->put_Complex(s.im.empty() ? VARIANT_FALSE : VARIANT_TRUE), S_OK);
     m->SetYValues(0, static_cast<LONG>(s.re.size()), s.re.data(), s.im.empty() ? nullptr : s.im.data());
