@@ -4,12 +4,12 @@
 // again or as a comma list); `--workspace` picks a project's workspace; `--nodes 15` writes the
 // nodes in the older node dataset.
 #include <algorithm>
-#include <cctype>
 #include <cstring>
 #include <filesystem>
 
 #include "cli/Arguments.h"
 #include "cli/Failure.h"
+#include "cli/FileKind.h"
 #include "commands.h"
 #include "exchange/Csv.h"
 #include "exchange/SourceFile.h"
@@ -28,11 +28,6 @@ constexpr const char* kUsage =
     "export FILE OUT [--measurement N]... [--workspace N] [--nodes 15|2411]   measurements (and geometry and modes) of a "
     "workspace, project or recording to CSV (.csv) or a universal file (.uff, .unv)";
 
-std::string extensionOf(const std::string& path) {
-    std::string e = std::filesystem::path(path).extension().string();
-    std::transform(e.begin(), e.end(), e.begin(), [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return e;
-}
 
 // Every value of `--measurement`, however often it is given, split at commas.
 std::vector<std::string> measurementChoices(int argc, char** argv) {
@@ -97,7 +92,7 @@ int exportFile(int argc, char** argv) {
     if (args.positional().size() != 2) return usageFailure("export", kUsage);
     const std::string& file = args.positional()[0];
     const std::string& out = args.positional()[1];
-    const std::string format = extensionOf(out);
+    const std::string format = lowerExtension(out);
     if (format != ".csv" && format != ".uff" && format != ".unv")
         return usageFailure("export", kUsage, "OUT must end in .csv, .uff or .unv");
     const std::string nodes = args.value("nodes").value_or("2411");

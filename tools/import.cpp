@@ -6,6 +6,7 @@
 
 #include "cli/Arguments.h"
 #include "cli/Failure.h"
+#include "cli/FileKind.h"
 #include "commands.h"
 #include "exchange/SourceFile.h"
 #include "exchange/UffFile.h"
@@ -23,11 +24,6 @@ constexpr const char* kUsage =
     "import UFF TARGET [--workspace N]   the datasets of a universal file (functions, nodes, trace lines, mode "
     "shapes) into a workspace (.wkd) or project (.vpj), made when missing";
 
-std::string lowerExtension(const std::string& path) {
-    std::string e = std::filesystem::path(path).extension().string();
-    for (char& c : e) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return e;
-}
 
 Bstr ansiPath(const std::string& path) { return Bstr(std::string_view{narrow(utf8ToUtf16(path))}); }
 

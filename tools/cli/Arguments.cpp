@@ -50,36 +50,34 @@ std::vector<std::string> Arguments::values(const std::string& option) const {
     return it == repeated_.end() ? std::vector<std::string>{} : it->second;
 }
 
-bool Arguments::number(const std::string& option, double fallback, double& out, std::string& error) const {
-    auto text = value(option);
-    if (!text) {
-        out = fallback;
-        return true;
-    }
+namespace {
+
+// Reads the whole text with `convert` (strtod or strtol); false when text is left over or the
+// value is out of range.
+template <typename T, typename Convert>
+bool readWhole(const std::string& text, Convert convert, T& out) {
     char* end = nullptr;
     errno = 0;
-    out = std::strtod(text->c_str(), &end);
-    if (text->empty() || *end != '\0' || errno == ERANGE) {
-        error = "--" + option + " wants a number, not \"" + *text + "\"";
-        return false;
-    }
-    return true;
+    out = convert(text.c_str(), &end);
+    return !text.empty() && *end == '\0' && errno != ERANGE;
+}
+
+}  // namespace
+
+bool Arguments::number(const std::string& option, double fallback, double& out, std::string& error) const {
+    auto text = value(option);
+    out = fallback;
+    if (!text || readWhole(*text, [](const char* s, char** e) { return std::strtod(s, e); }, out)) return true;
+    error = "--" + option + " wants a number, not \"" + *text + "\"";
+    return false;
 }
 
 bool Arguments::integer(const std::string& option, long fallback, long& out, std::string& error) const {
     auto text = value(option);
-    if (!text) {
-        out = fallback;
-        return true;
-    }
-    char* end = nullptr;
-    errno = 0;
-    out = std::strtol(text->c_str(), &end, 10);
-    if (text->empty() || *end != '\0' || errno == ERANGE) {
-        error = "--" + option + " wants a whole number, not \"" + *text + "\"";
-        return false;
-    }
-    return true;
+    out = fallback;
+    if (!text || readWhole(*text, [](const char* s, char** e) { return std::strtol(s, e, 10); }, out)) return true;
+    error = "--" + option + " wants a whole number, not \"" + *text + "\"";
+    return false;
 }
 
 }  // namespace nvdl::tool

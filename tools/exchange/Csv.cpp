@@ -5,13 +5,11 @@
 #include "exchange/Csv.h"
 
 #include <cstdio>
-#include <filesystem>
-#include <fstream>
 
 #include "exchange/MeasurementData.h"
+#include "exchange/TextFile.h"
 #include "platform/CodePage.h"
 #include "platform/ComPtr.h"
-#include "platform/ReplaceFile.h"
 
 namespace nvdl::exchange {
 
@@ -76,17 +74,7 @@ bool writeMeasurementsCsv(const std::vector<IDispatch*>& measurements, const std
         text += '\n';
     }
 
-    HRESULT h = replaceFile(std::filesystem::path(path), [&](const std::filesystem::path& temporary) -> HRESULT {
-        std::ofstream out(temporary, std::ios::binary);
-        out.write(text.data(), static_cast<std::streamsize>(text.size()));
-        out.close();
-        return out ? S_OK : E_FAIL;
-    });
-    if (FAILED(h)) {
-        error = "cannot write the file";
-        return false;
-    }
-    return true;
+    return writeTextFile(path, text, error);
 }
 
 }  // namespace nvdl::exchange

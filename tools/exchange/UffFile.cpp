@@ -5,9 +5,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "exchange/TextFile.h"
 #include "exchange/UffReader.h"
 #include "exchange/UffWriter.h"
-#include "platform/ReplaceFile.h"
 
 namespace nvdl::exchange::uff {
 
@@ -35,17 +35,7 @@ bool readFile(const std::string& path, File& file, std::string& error) {
 
 bool writeFile(const std::string& path, const File& file, std::string& error) {
     const std::string text = writeText(file);
-    HRESULT h = replaceFile(std::filesystem::path(path), [&](const std::filesystem::path& temporary) -> HRESULT {
-        std::ofstream out(temporary, std::ios::binary);
-        out.write(text.data(), static_cast<std::streamsize>(text.size()));
-        out.close();
-        return out ? S_OK : E_FAIL;
-    });
-    if (FAILED(h)) {
-        error = "cannot write the file";
-        return false;
-    }
-    return true;
+    return writeTextFile(path, text, error);
 }
 
 }  // namespace nvdl::exchange::uff
