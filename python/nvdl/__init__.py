@@ -11,12 +11,12 @@ Invoke, as scripts drive them:
 
 Helpers for scripts: nvdl.open(path) gives a loaded project or workspace by the file's class, and
 nvdl.to_numpy(m) / nvdl.x_numpy(m) (or m.to_numpy(), m.x_numpy()) a measurement's values and
-abscissa as numpy arrays.
+abscissa as numpy arrays, and nvdl.from_numpy(values, Name=...) a new measurement holding an array.
 """
 
 from . import _nvdl
 
-__all__ = ["Dispatch", "ComError", "Missing", "object_count", "open", "to_numpy", "x_numpy"]
+__all__ = ["Dispatch", "ComError", "Missing", "object_count", "open", "to_numpy", "x_numpy", "from_numpy"]
 
 DISP_E_MEMBERNOTFOUND = 0x80020003
 DISP_E_BADPARAMCOUNT = 0x8002000E
@@ -192,4 +192,4 @@ def Dispatch(progid):
     return _Proxy(handle)
 
 
-from .helpers import open, to_numpy, x_numpy  # noqa: E402,A001
+from .helpers import from_numpy, open, to_numpy, x_numpy  # noqa: E402,A001

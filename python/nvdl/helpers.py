@@ -70,3 +70,22 @@ def x_numpy(m):
     if x is not None and len(x) > 0:
         return numpy.asarray(x)
     return m.XStart + numpy.arange(m.Size, dtype=numpy.float64) * m.XIncrement
+
+
+def from_numpy(values, **properties):
+    """A new measurement (nv_bench.measurement) holding the values, complex when the array is, with
+    the given properties put in the order given (e.g. FunctionType="Time record", XIncrement=1e-3)."""
+    import numpy
+
+    from . import Dispatch
+
+    values = numpy.asarray(values)
+    m = Dispatch("nv_bench.measurement")
+    real = numpy.ascontiguousarray(values.real, dtype=numpy.float32)
+    if numpy.iscomplexobj(values):
+        m.YArray(real, len(real), numpy.ascontiguousarray(values.imag, dtype=numpy.float32))
+    else:
+        m.YArray(real, len(real))
+    for name, value in properties.items():
+        setattr(m, name, value)
+    return m

@@ -21,23 +21,16 @@ def digest(path):
     return hashlib.sha256(open(path, "rb").read()).hexdigest()
 
 
-def workspace(name, values, imag=None):
+def workspace(name, values):
     ws = nvdl.Dispatch("nv_bench.Workspace")
     ws.Name = name
-    m = nvdl.Dispatch("nv_bench.measurement")
-    values = numpy.asarray(values, dtype=numpy.float32)
-    if imag is None:
-        m.YArray(values, len(values))
-    else:
-        m.YArray(values, len(values), numpy.asarray(imag, dtype=numpy.float32))
-    m.Name = name + ".m"
-    ws.Measurements.Add(m)
+    ws.Measurements.Add(nvdl.from_numpy(values, Name=name + ".m"))
     return ws
 
 
 def test_workspace_to_project_and_back(tmp_path):
     source = tmp_path / "bench.wkd"
-    workspace("bench", [1, 2, 3], [4, 5, 6]).Save(str(source))
+    workspace("bench", numpy.array([1 + 4j, 2 + 5j, 3 + 6j])).Save(str(source))
     before = digest(source)
 
     made = convert(source, tmp_path / "bench.vpj")

@@ -17,17 +17,8 @@ SETTINGS_KEY = "HKEY_CURRENT_USER\\Software\\norvane instruments\\Sonvara\\Curre
 RATE = 1024.0
 
 
-def measurement(name, function, real, imag=None, dx=1.0, x="Hz", y=None):
-    m = nvdl.Dispatch("nv_bench.measurement")
-    real = numpy.asarray(real, dtype=numpy.float32)
-    if imag is None:
-        m.YArray(real, len(real))
-    else:
-        m.YArray(real, len(real), numpy.asarray(imag, dtype=numpy.float32))
-    m.Name = name
-    m.FunctionType = function
-    m.XIncrement = dx
-    m.XDimension = x
+def measurement(name, function, values, dx=1.0, x="Hz", y=None):
+    m = nvdl.from_numpy(values, Name=name, FunctionType=function, XIncrement=dx, XDimension=x)
     if y:
         m.YDimension = y
     return m
@@ -36,7 +27,7 @@ def measurement(name, function, real, imag=None, dx=1.0, x="Hz", y=None):
 def frf(name, mode_hz):
     f = numpy.arange(512.0)
     h = 1.0 / (mode_hz**2 - f**2 + 2j * 0.02 * mode_hz * f)
-    return measurement(name, "FRF", h.real, h.imag, y="m/s²/N")
+    return measurement(name, "FRF", h, y="m/s²/N")
 
 
 def bench_workspace():

@@ -16,15 +16,8 @@ BUILD = os.environ.get("NVDL_BUILD_DIR", "build")
 README = os.path.join(os.environ.get("NVDL_SOURCE_DIR", "."), "README.md")
 
 
-def measurement(name, values, imag=None):
-    m = nvdl.Dispatch("nv_bench.measurement")
-    values = numpy.asarray(values, dtype=numpy.float32)
-    if imag is None:
-        m.YArray(values, len(values))
-    else:
-        m.YArray(values, len(values), numpy.asarray(imag, dtype=numpy.float32))
-    m.Name = name
-    return m
+def measurement(name, values):
+    return nvdl.from_numpy(values, Name=name)
 
 
 def make_recording(path):
@@ -64,7 +57,7 @@ def test_values_and_abscissa_as_arrays():
     assert numpy.array_equal(nvdl.to_numpy(real), [1.5, -2, 3])
     assert numpy.allclose(real.x_numpy(), [2.0, 2.5, 3.0])
 
-    cplx = measurement("complex", [1, 2], [3, -4])
+    cplx = measurement("complex", numpy.array([1 + 3j, 2 - 4j]))
     assert numpy.array_equal(cplx.to_numpy(), numpy.array([1 + 3j, 2 - 4j]))
     cplx.XArray = numpy.array([10, 15], dtype=numpy.float32)  # an uneven axis
     assert numpy.array_equal(nvdl.x_numpy(cplx), [10, 15])
