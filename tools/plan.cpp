@@ -13,11 +13,14 @@
 #include <vector>
 
 #include "analysis/FftPlanner.h"
+#include "cli/Failure.h"
 #include "commands.h"
 
 namespace nvdl::tool {
 
 namespace {
+
+constexpr const char* kUsage = "plan SIZE...    measure FFT plans of these lengths and keep them in the user's cache, so transforms of them run at full speed";
 
 // A whole decimal number within 1..INT_MAX, or 0.
 long parseLength(const char* text) {
@@ -35,19 +38,16 @@ int plan(int argc, char** argv) {
     for (int i = 0; i < argc; ++i) {
         long n = parseLength(argv[i]);
         if (n == 0) {
-            std::fprintf(stderr, "nvdl plan: not a transform length: %s\n", argv[i]);
-            return 2;
+            return usageFailure("plan", kUsage, std::string("not a transform length: ") + argv[i]);
         }
         lengths.push_back(n);
     }
     if (lengths.empty()) {
-        std::fprintf(stderr, "usage: nvdl plan SIZE...\n");
-        return 2;
+        return usageFailure("plan", kUsage);
     }
     const std::string path = analysis::fftWisdomPath();
     if (path.empty()) {
-        std::fprintf(stderr, "nvdl plan: the wisdom file is turned off (NVDL_FFT_WISDOM=0) or HOME is not set\n");
-        return 1;
+        return failure("plan", "-", "the wisdom file is turned off (NVDL_FFT_WISDOM=0) or HOME is not set");
     }
     for (long n : lengths) {
         auto start = std::chrono::steady_clock::now();
@@ -61,17 +61,15 @@ int plan(int argc, char** argv) {
                 std::fflush(stdout);
                 break;
             case analysis::FftMeasureResult::NotSaved:
-                std::fprintf(stderr, "nvdl plan: cannot write %s\n", path.c_str());
-                return 1;
+                return failure("plan", path, "cannot write the wisdom file");
             case analysis::FftMeasureResult::CannotPlan:
-                std::fprintf(stderr, "nvdl plan: FFTW cannot plan length %ld\n", n);
-                return 1;
+                return failure("plan", "-", "FFTW cannot plan length " + std::to_string(n));
         }
     }
     std::printf("wisdom\t%s\n", path.c_str());
     return 0;
 }
 
-const CommandEntry planCommand{"plan", plan, "plan SIZE...    measure FFT plans of these lengths and keep them in the user's cache, so transforms of them run at full speed"};
+const CommandEntry planCommand{"plan", plan, kUsage};
 
 }  // namespace nvdl::tool
