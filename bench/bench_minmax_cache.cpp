@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "../tests/access/RecordingBuilder.h"
+#include "RecordingBenchSetup.h"
 #include "access/MinMaxCache.h"
 
 namespace {
@@ -33,8 +34,7 @@ float ramp(long, std::int64_t i) { return static_cast<float>(i) * 1e-6f; }
 
 // The recording of a signal, made and indexed once; the path.
 std::string recording(const char* name, float (*signal)(long, std::int64_t)) {
-    const char* dir = std::getenv("NVDL_BENCH_DIR");
-    const std::string path = (std::filesystem::path(dir ? dir : "/tmp") / name).string();
+    const std::string path = (nvdl::bench::recordingBenchDir() / name).string();
     if (!CMinMaxCache::Load(path, 1, 1)) {
         nvdl::testing::RecordingPlan plan;
         plan.block = kBlock;
@@ -47,8 +47,7 @@ std::string recording(const char* name, float (*signal)(long, std::int64_t)) {
             std::fprintf(stderr, "cannot write %s\n", path.c_str());
         const auto start = std::chrono::steady_clock::now();
         const long built = BuildMinMaxCaches(path);
-        std::fprintf(stderr, "%s: %ld cache(s) built in %.2f s\n", name, built,
-                     std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
+        std::fprintf(stderr, "%s: %ld cache(s) built in %.2f s\n", name, built, nvdl::bench::secondsSince(start));
     }
     return path;
 }

@@ -3,7 +3,6 @@
 // in spans of 64 blocks, beside positioned reads of the whole file in 4 MiB pieces in the same run.
 // Each reports bytes per second; the channel read also reports its rate as a share of the raw one.
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -13,12 +12,14 @@
 #include <string>
 #include <vector>
 
+#include "RecordingBenchSetup.h"
 #include "recording/TrcFile.h"
 #include "recording/TrcRecorderSection.h"
 
 namespace {
 
 using namespace nvdl::trc;
+namespace bench = nvdl::bench;
 
 constexpr long kChannels = 8;
 constexpr long kBlocksize = 8192;
@@ -26,7 +27,6 @@ constexpr long kScans = 4000;
 constexpr std::int64_t kChannelSamples = std::int64_t{kBlocksize} * kScans;
 constexpr std::int64_t kSpan = 64 * kBlocksize;
 constexpr std::int64_t kSampleBytes = kChannelSamples * kChannels * 4;
-constexpr std::size_t kRawPiece = std::size_t{4} << 20;
 
 double g_rawBytesPerSecond = 0;
 
@@ -80,30 +80,9 @@ const Recording& recording() {
     return made;
 }
 
-double secondsSince(std::chrono::steady_clock::time_point start) {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
 void RawReadOfTheFile(benchmark::State& state) {
-    const int fd = ::open(recording().path.c_str(), O_RDONLY);
     const auto size = static_cast<std::int64_t>(std::filesystem::file_size(recording().path));
-    std::vector<char> buffer(kRawPiece);
-    double seconds = 0;
-    for (auto _ : state) {
-        const auto start = std::chrono::steady_clock::now();
-        for (std::int64_t at = 0; at < size;) {
-            const ssize_t got = ::pread(fd, buffer.data(), buffer.size(), at);
-            if (got <= 0) {
-                state.SkipWithError("raw read failed");
-                break;
-            }
-            at += got;
-        }
-        seconds += secondsSince(start);
-    }
-    ::close(fd);
-    state.SetBytesProcessed(state.iterations() * size);
-    g_rawBytesPerSecond = static_cast<double>(state.iterations() * size) / seconds;
+    g_rawBytesPerSecond = bench::rawReads(state, recording().path, 0, size, size);
 }
 BENCHMARK(RawReadOfTheFile)->Unit(benchmark::kMillisecond)->MinTime(2.0)->UseRealTime();
 
@@ -125,12 +104,10 @@ void ReadChannelWholeChannels(benchmark::State& state) {
             for (std::int64_t at = 0; at < kChannelSamples; at += kSpan)
                 if (!inputs.ReadChannel(c, at, span.data(), std::min(kSpan, kChannelSamples - at)))
                     state.SkipWithError("channel read failed");
-        seconds += secondsSince(start);
+        seconds += bench::secondsSince(start);
         benchmark::DoNotOptimize(span.data());
     }
-    state.SetBytesProcessed(state.iterations() * kSampleBytes);
-    const double rate = static_cast<double>(state.iterations() * kSampleBytes) / seconds;
-    state.counters["share_of_raw"] = g_rawBytesPerSecond > 0 ? rate / g_rawBytesPerSecond : 0;
+    bench::reportShareOfRaw(state, kSampleBytes, seconds, g_rawBytesPerSecond);
 }
 BENCHMARK(ReadChannelWholeChannels)->Unit(benchmark::kMillisecond)->MinTime(2.0)->UseRealTime();
 

@@ -9,8 +9,6 @@
 // The bench writes `<recording>.layout` beside the recording (stream offset, scan stride, block
 // bytes, scans, blocksize, steps, step length) for bench/compressed_reference.py.
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <cstdlib>
@@ -20,6 +18,7 @@
 #include <string>
 #include <vector>
 
+#include "RecordingBenchSetup.h"
 #include "access/MinMaxCache.h"
 #include "access/TrcCompressionPlan.h"
 #include "access/TrcLoader.h"
@@ -39,7 +38,6 @@ constexpr long kScans = 30518;  // 10^9 bytes of float samples
 constexpr std::int64_t kSamples = std::int64_t{kBlocksize} * kScans;
 constexpr std::int64_t kChannelBytes = kSamples * 4;
 constexpr long kMaxBlock = 2000;
-constexpr std::size_t kRawPiece = std::size_t{4} << 20;
 
 double g_rawBytesPerSecond = 0;
 
@@ -85,8 +83,7 @@ bool make(const std::filesystem::path& path) {
 const Recording& recording() {
     static const Recording made = [] {
         Recording r;
-        const char* dir = std::getenv("NVDL_BENCH_DIR");
-        r.dir = dir && *dir ? dir : "/tmp";
+        r.dir = bench::recordingBenchDir();
         r.path = r.dir / "nvdl_bench_compressed.trc";
         r.cached = r.dir / "nvdl_bench_compressed_cached.trc";
         trc::CTrc probe;
@@ -114,33 +111,10 @@ const Recording& recording() {
     return made;
 }
 
-double secondsSince(std::chrono::steady_clock::time_point start) {
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
-
-// The stream's bytes, blocks and status records, in 4 MiB pieces.
+// The stream's bytes, blocks and status records.
 void RawReadOfTheChannel(benchmark::State& state) {
     const trc::ScanGeometry& g = recording().geometry;
-    const int fd = ::open(recording().path.c_str(), O_RDONLY);
-    const std::int64_t end = g.scanOffset(kScans + 1);
-    std::vector<char> buffer(kRawPiece);
-    double seconds = 0;
-    for (auto _ : state) {
-        const auto start = std::chrono::steady_clock::now();
-        for (std::int64_t at = g.streamOffset; at < end;) {
-            const ssize_t got = ::pread(fd, buffer.data(), std::min<std::int64_t>(kRawPiece, end - at), at);
-            if (got <= 0) {
-                state.SkipWithError("raw read failed");
-                break;
-            }
-            at += got;
-        }
-        seconds += secondsSince(start);
-        benchmark::DoNotOptimize(buffer.data());
-    }
-    ::close(fd);
-    state.SetBytesProcessed(state.iterations() * kChannelBytes);
-    g_rawBytesPerSecond = static_cast<double>(state.iterations() * kChannelBytes) / seconds;
+    g_rawBytesPerSecond = bench::rawReads(state, recording().path, g.streamOffset, g.scanOffset(kScans + 1), kChannelBytes);
 }
 BENCHMARK(RawReadOfTheChannel)->Unit(benchmark::kMillisecond)->MinTime(2.0)->UseRealTime();
 
@@ -160,13 +134,11 @@ void reduce(benchmark::State& state, const std::filesystem::path& path, std::int
         if (!loader.ReadCompressed(1, 1, -1, kSamples, 0, count, nullptr, &y, nullptr, &factor, &uncompleted, &useful,
                                    &range, &status))
             state.SkipWithError("reduced read failed");
-        seconds += secondsSince(start);
+        seconds += bench::secondsSince(start);
         benchmark::DoNotOptimize(y);
         std::free(y);
     }
-    const double rate = static_cast<double>(state.iterations() * kChannelBytes) / seconds;
-    state.SetBytesProcessed(state.iterations() * kChannelBytes);
-    state.counters["share_of_raw"] = g_rawBytesPerSecond > 0 ? rate / g_rawBytesPerSecond : 0;
+    bench::reportShareOfRaw(state, kChannelBytes, seconds, g_rawBytesPerSecond);
 }
 
 void ReducedReadOfTheChannel(benchmark::State& state) { reduce(state, recording().path, kSamples - 1); }

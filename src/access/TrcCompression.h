@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <memory>
+#include <vector>
 
 #include "access/MinMaxCache.h"
 #include "access/TrcCompressionPlan.h"
@@ -91,6 +92,7 @@ public:
 private:
     struct Source;
     struct Step;
+    struct RecordedPart;
 
     int findRecorded(CTrcLoader& loader, const CompressionRequest& request, Source& source);
     int findStored(CTrcLoader& loader, const CompressionRequest& request, Source& source);
@@ -99,6 +101,14 @@ private:
                    CompressionResult& result, std::int64_t length);
     int readRecorded(CTrcLoader& loader, const CompressionRequest& request, const Source& source,
                      CompressionResult& result, std::int64_t length);
+    // Takes the steps of one part of a recorded channel with the part's reader, feeding `builder`
+    // when one is given. Parts that search stored extremes touch nothing shared but their own
+    // pairs of the output, so several run at once.
+    void readSteps(CTrcLoader& loader, const CompressionRequest& request, const Source& source,
+                   CompressionResult& result, std::int64_t length, CMinMaxCacheBuilder* builder, RecordedPart& part);
+    // The steps in `count` parts, each but the first on a thread of its own, joined in order.
+    int readInParts(CTrcLoader& loader, const CompressionRequest& request, const Source& source,
+                    CompressionResult& result, std::int64_t length, long count);
     // One scan's block and status record into a cache being built.
     void feedCache(CMinMaxCacheBuilder& builder, const Source& source, const unsigned char* block,
                    const trc::CTrcScanInfo& info);
@@ -115,6 +125,7 @@ private:
     ScratchArray<float> m_readX, m_readY, m_readImag;
     ScratchArray<float> m_scanValues;  // one scan's block as floats, for a cache being built
     trc::ChannelRunReader m_reader;
+    std::vector<std::unique_ptr<trc::ChannelRunReader>> m_partReaders;  // of the parts after the first
 };
 
 }  // namespace nvdl::access

@@ -53,7 +53,7 @@ void ChannelRunReader::End() {
 }
 
 int ChannelRunReader::readAt(std::int64_t offset, unsigned char* data, std::int64_t size) {
-    return m_file->Seek(offset, 0) && m_file->Read(data, size) ? 1 : 0;
+    return m_file->ReadAt(offset, data, size);
 }
 
 std::shared_ptr<ChannelRunReader::Window> ChannelRunReader::freeWindow(std::int64_t capacity) {

@@ -29,6 +29,18 @@ void showSystemError(const char* caption, int error) {
     host::messageBox(std::strerror(error), caption, host::MB_OK | host::MB_ICONINFORMATION);
 }
 
+// Bytes from `offset` until `size` came or the file gives no more; how many came.
+std::int64_t readFrom(int fd, std::int64_t offset, unsigned char* buffer, std::int64_t size) {
+    std::int64_t done = 0;
+    while (done < size) {
+        const ssize_t n = ::pread(fd, buffer + done, static_cast<std::size_t>(size - done), offset + done);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) break;
+        done += n;
+    }
+    return done;
+}
+
 }  // namespace
 
 int CTrcFile::Init() {
@@ -126,15 +138,14 @@ int CTrcFile::Write(const unsigned char* buffer, std::int64_t size) {
 
 int CTrcFile::Read(unsigned char* buffer, std::int64_t size) {
     if (!IsOpened() || !buffer || size <= 0 || size > kMaxBlock) return 0;
-    std::int64_t done = 0;
-    while (done < size) {
-        const ssize_t n = ::pread(m_fd, buffer + done, static_cast<std::size_t>(size - done), m_position + done);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) break;
-        done += n;
-    }
+    const std::int64_t done = readFrom(m_fd, m_position, buffer, size);
     m_position += done;
     return done == size ? 1 : 0;
+}
+
+int CTrcFile::ReadAt(std::int64_t offset, unsigned char* buffer, std::int64_t size) const {
+    if (!IsOpened() || !buffer || size <= 0 || size > kMaxBlock || offset < 0) return 0;
+    return readFrom(m_fd, offset, buffer, size) == size ? 1 : 0;
 }
 
 long CTrcFile::GetFileVersion() {

@@ -4,7 +4,8 @@
 // moves exactly the block the caller asks for at the current position, with pread/pwrite; the
 // position is kept here, so a seek costs no system call. Operations answer 0 on failure and
 // non-zero on success; only Write and SetFileSize speak to the user, through the host's message box.
-// One thread uses an object at a time; the file may be read by other objects while it is written.
+// One thread uses an object at a time, except for ReadAt, which several threads may call at once;
+// the file may be read by other objects while it is written.
 #pragma once
 
 #include <cstdint>
@@ -42,6 +43,8 @@ public:
     // Both move `size` bytes at the current position and advance it; 1 only when all of them moved.
     int Write(const unsigned char* buffer, std::int64_t size);
     int Read(unsigned char* buffer, std::int64_t size);
+    // `size` bytes from `offset`, leaving the position alone; 1 only when all of them came.
+    int ReadAt(std::int64_t offset, unsigned char* buffer, std::int64_t size) const;
 
     long GetFileVersion();  // the first four bytes, -1 when they cannot be read; leaves the position at 0
     std::int64_t GetFileSize() const;  // -1 when closed

@@ -244,6 +244,68 @@ TEST_F(TrcCompressionRead, RecordingThatEndsEarlyGivesWhatItHolds) {
     EXPECT_EQ(p.y[70], 0.0f);  // the rest is zero
 }
 
+// A long span is taken in parts at once, split between steps; whatever the split, the picture,
+// status and range are those of one pass over all steps. A ramp makes every step's pair tell
+// which samples it was searched over.
+TEST_F(TrcCompressionRead, LongSpansTakenInPartsMatchOnePass) {
+    constexpr long kLongBlock = 4096, kLongScans = 601;
+    constexpr std::int64_t n = std::int64_t{kLongBlock} * kLongScans;
+    struct Case {
+        const char* name;
+        long maxBlock;
+        std::int64_t start, count;
+        std::function<long(long, long)> status;
+        long keptScans;  // 0: all
+        long expectStatus;
+        float expectRange;
+    };
+    auto always = [](long value) { return [value](long, long) { return value; }; };
+    const Case cases[] = {
+        {"split inside a block", 2000, 37, n - 100, always(0), 0, 0, 5.0f},
+        {"split at a block, an overload behind it stays", 1200, kLongBlock, n - kLongBlock,
+         [](long, long scan) { return scan == 400 ? 2L : 3L; }, 0, 2, 5.0f},
+        {"the last step's status", 2000, 37, n - 100, [](long, long scan) { return scan < 300 ? 3L : 4L; }, 0, 4,
+         5.0f},
+        {"an overload of the first part stays", 2000, 37, n - 100, [](long, long scan) { return scan == 5 ? 1L : 4L; },
+         0, 1, 5.0f},
+        {"one step", 2, 0, n - 1, always(3), 0, 3, 10.0f},
+        {"two steps", 4, 0, n - 1, always(3), 0, 3, 10.0f},
+        {"nothing behind the split", 1200, kLongBlock, n - kLongBlock, always(3), 301, 3, 10.0f},
+        {"the file ends in the second half", 2000, 0, n - 1, always(3), 450, 3, 5.0f},
+    };
+    RecordingPlan plan;
+    plan.block = kLongBlock;
+    plan.scans = kLongScans;
+    plan.inputs = {{"a"}};
+    plan.sample = [](long, std::int64_t i) { return static_cast<float>(i); };
+    // Steps wholly inside these scans report the smaller range.
+    plan.range = [](long, long scan) { return scan >= 440 && scan <= 460 ? 5.0f : 10.0f; };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        plan.status = c.status;
+        ASSERT_TRUE(writeRecording(path("parts.trc"), plan));
+        // A block is read whole from its first sample: one that would run past the last scan is not
+        // there for the read.
+        std::int64_t availableTo = c.start + (n - c.start) / kLongBlock * kLongBlock;
+        if (c.keptScans > 0) {
+            CTrcLoader probe;
+            ASSERT_TRUE(probe.OpenFile(path("parts.trc").c_str()) && probe.GetRecorder().Read());
+            const std::int64_t cutAt = probe.GetRecorder().GetInputSection().GetGeometry().scanOffset(c.keptScans + 1);
+            std::filesystem::resize_file(path("parts.trc"), static_cast<std::uintmax_t>(cutAt));
+            availableTo = std::min(availableTo, c.keptScans * kLongBlock);
+        }
+        settings(c.maxBlock, 1);
+        CTrcLoader loader;
+        ASSERT_TRUE(loader.OpenFile(path("parts.trc").c_str()));
+        const Expected e = expected(physical(plan, 1), n, c.start, c.count, c.maxBlock, 1, availableTo);
+        const Picture p = readCompressed(loader, 1, 1, -1, n, c.start, c.count, e.values.size());
+        ASSERT_TRUE(p.ok);
+        EXPECT_EQ(p.y, e.values);
+        EXPECT_EQ(p.status, c.expectStatus);
+        EXPECT_EQ(p.range, c.expectRange);
+    }
+}
+
 TEST_F(TrcCompressionRead, StoredMeasurementsAndTheirSubMeasurements) {
     RecordingPlan plan = recording(true);
     plan.stored = {{"real", 3000, false, 1, 2}, {"complex", 4096, true, 1102}, {"short", 30}};
