@@ -18,8 +18,9 @@ scripts/setup.sh build-asan -DNVDL_SANITIZE=ON -DNVDL_BENCH=OFF \
 # the C++ library, so that the runtime finds the exception functions it wraps), and leave leak
 # checking to the C++ programs (the interpreter keeps objects until exit).
 asan_lib="$(gcc -print-file-name=libasan.so) $(gcc -print-file-name=libstdc++.so)"
+lsan_suppressions="$(pwd)/scripts/lsan-suppressions.txt"
 (cd build-asan && ASAN_OPTIONS=detect_leaks=1 UBSAN_OPTIONS=print_stacktrace=1 \
-   ctest --output-on-failure -j "$jobs" -L cpp)
+   LSAN_OPTIONS="suppressions=$lsan_suppressions" ctest --output-on-failure -j "$jobs" -L cpp)
 (cd build-asan && env LD_PRELOAD="$asan_lib" ASAN_OPTIONS=detect_leaks=0 UBSAN_OPTIONS=print_stacktrace=1 \
    ctest --output-on-failure -j "$jobs" -L python)
 echo "run-tests: sanitizer build and tests done after ${SECONDS} s"
