@@ -91,19 +91,11 @@ const unsigned char* ChannelRunReader::windowed(std::int64_t offset, std::int64_
 // run stands at the same bytes of the file.
 int ChannelRunReader::ReadChannel(std::int64_t position, std::int64_t count, Run& run) {
     run = Run{};
-    if (!m_file || !m_file->IsOpened()) return 0;
-    const std::int64_t b = m_g.blocksize, d = m_g.sampleBytes, m = m_g.maxScans, used = m_g.used(m_part);
-    if (m_channel < 0 || m_g.usedInputs < 1 || m_g.usedTachos < 0 || b < 1 || m < 1 || used < 1 || d < 1) return 0;
-    if ((m_g.sectionSize(m_part) - m_g.statusSize(m_part)) / d / m / used != b) return 0;
-    if (count < 1 || count > b * m || position < 0 || position > b * m - count) return 0;
-
-    const std::int64_t stride = m_g.stride();
-    const std::int64_t first = position / b;
-    const std::int64_t channelAt = m_g.streamOffset + m_g.samplesAt(m_part) + m_channel * m_g.blockBytes();
-    std::int64_t offset = channelAt + first * stride + (position - first * b) * d;
-    std::int64_t left = count * d;
+    ChannelRunPlace at;
+    if (!m_file || !m_file->IsOpened() || !placeChannelRun(m_g, m_part, m_channel, position, count, at)) return 0;
+    const std::int64_t stride = m_g.stride(), first = at.firstBlock, channelAt = at.channelAt;
+    std::int64_t offset = at.offset, left = count * m_g.sampleBytes, piece = at.firstPiece;
     if (offset + left >= m_fileSize) return 0;
-    std::int64_t piece = std::min(((first + 1) * b - position) * d, left);
     if (piece == left) {
         if (const unsigned char* at = windowed(offset, piece, run.keep)) {
             run.data = at;

@@ -36,4 +36,17 @@ std::int64_t ScanGeometry::statusSize(ScanPart part) const {
     return bounded() ? maxScans * used(part) * kInfoBytes : 0;
 }
 
+bool placeChannelRun(const ScanGeometry& g, ScanPart part, long index, std::int64_t position, std::int64_t count,
+                     ChannelRunPlace& at) {
+    const std::int64_t b = g.blocksize, d = g.sampleBytes, m = g.maxScans, used = g.used(part);
+    if (index < 0 || g.usedInputs < 1 || g.usedTachos < 0 || b < 1 || m < 1 || used < 1 || d < 1) return false;
+    if ((g.sectionSize(part) - g.statusSize(part)) / d / m / used != b) return false;
+    if (count < 1 || count > b * m || position < 0 || position > b * m - count) return false;
+    at.firstBlock = position / b;
+    at.channelAt = g.streamOffset + g.samplesAt(part) + index * g.blockBytes();
+    at.offset = at.channelAt + at.firstBlock * g.stride() + (position - at.firstBlock * b) * d;
+    at.firstPiece = std::min(((at.firstBlock + 1) * b - position) * d, count * d);
+    return true;
+}
+
 }  // namespace nvdl::trc

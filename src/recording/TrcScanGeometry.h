@@ -60,4 +60,20 @@ struct ScanGeometry {
     static constexpr std::int64_t kInfoBytes = 12;
 };
 
+// Where a run of one channel's samples stands: the channel's samples in every scan begin at
+// `channelAt` + scan index * stride; the run's first byte is at `offset`, in the block `firstBlock`
+// (from 0), and its first piece runs to the end of that block or of the run.
+struct ChannelRunPlace {
+    std::int64_t firstBlock = 0;
+    std::int64_t channelAt = 0;
+    std::int64_t offset = 0;
+    std::int64_t firstPiece = 0;
+};
+
+// The place of `count` samples from sample `position` of the used channel at `index` among its
+// part's used channels. False for a run the stream cannot hold: no such channel, a part that is
+// not whole blocks of the blocksize (so a damaged geometry is refused), or a run outside the stream.
+bool placeChannelRun(const ScanGeometry& g, ScanPart part, long index, std::int64_t position, std::int64_t count,
+                     ChannelRunPlace& at);
+
 }  // namespace nvdl::trc

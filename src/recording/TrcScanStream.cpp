@@ -25,24 +25,16 @@ template <class Byte>
 int ScanStream::moveChannel(long number, std::int64_t position, Byte* data, std::int64_t count) {
     constexpr bool write = std::is_const_v<Byte>;
     if (!m_file || !m_file->IsOpened() || !data || (write && m_file->IsReadOnly())) return 0;
-    const long c = usableChannel(number);
-    const std::int64_t b = m_g.blocksize, d = m_g.sampleBytes, m = m_g.maxScans, used = m_g.used(m_part);
-    if (c < 0 || m_g.usedInputs < 1 || m_g.usedTachos < 0 || b < 1 || m < 1 || used < 1 || d < 1) return 0;
-    // The part must be whole blocks of this blocksize; a geometry that is out of bounds has size 0.
-    if ((m_g.sectionSize(m_part) - m_g.statusSize(m_part)) / d / m / used != b) return 0;
     // The run stays inside the stream, so a write never reaches the sections behind it.
-    if (count < 1 || count > b * m || position < 0 || position > b * m - count) return 0;
-
-    const std::int64_t stride = m_g.stride();
-    const std::int64_t first = position / b;
-    const std::int64_t channelAt = m_g.streamOffset + m_g.samplesAt(m_part) + c * m_g.blockBytes();
-    std::int64_t offset = channelAt + first * stride + (position - first * b) * d;
-    std::int64_t left = count * d;
+    ChannelRunPlace at;
+    if (!placeChannelRun(m_g, m_part, usableChannel(number), position, count, at)) return 0;
+    const std::int64_t stride = m_g.stride(), first = at.firstBlock, channelAt = at.channelAt;
+    std::int64_t offset = at.offset, left = count * m_g.sampleBytes;
     const std::int64_t fileSize = m_file->GetFileSize();
     if (offset + left >= fileSize) return 0;
 
     // The first piece runs to the end of its block, every further one is a whole block or the rest.
-    std::int64_t piece = std::min(((first + 1) * b - position) * d, left);
+    std::int64_t piece = at.firstPiece;
     for (std::int64_t block = first;;) {
         if (!move(offset, data, piece)) return 0;
         data += piece;
